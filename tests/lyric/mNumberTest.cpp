@@ -1,0 +1,62 @@
+#include "lyric/mNumber.h"
+
+#include <gtest/gtest.h>
+
+namespace toval {
+namespace {
+
+TEST(mNumber, RoundsHalvesToEven) {
+    const struct {
+        double in, out;
+    } cases[] = {{0.5, 0}, {1.5, 2}, {2.5, 2}, {-0.5, 0}, {-1.5, -2}, {-2.5, -2},
+                 {2.4999, 2}, {2.5001, 3}, {50.5, 50}, {51.5, 52}, {-7.2, -7}};
+    for (const auto& c : cases) EXPECT_EQ(RoundHalfEven(c.in), c.out) << c.in;
+}
+
+TEST(mNumber, NumericTestAcceptsSignsBlanksPointAndExponent) {
+    const char16_t* yes[] = {u"0", u"1500", u" 12 ", u"-5", u"+5", u"- 5", u"1.", u".5",
+                             u"1e3", u"1E+3", u"2.5d-1", u"\t7\t"};
+    const char16_t* no[] = {u"", u" ", u"+", u"-", u".", u"1e", u"e3", u"0x10", u"1,5",
+                            u"01:02", u"abc", u"1 2", u"--1", u"1.2.3"};
+    for (auto* t : yes) EXPECT_TRUE(IsNumeric(std::u16string_view(t))) << "yes";
+    for (auto* t : no) EXPECT_FALSE(IsNumeric(std::u16string_view(t))) << "no";
+}
+
+TEST(mNumber, IntegerConversionsRoundAndRefuseOverflow) {
+    int32_t i32 = 7;
+    EXPECT_TRUE(TextToInt32(u"2147483647", i32));
+    EXPECT_EQ(i32, 2147483647);
+    EXPECT_TRUE(TextToInt32(u"-2147483648", i32));
+    EXPECT_EQ(i32, INT32_MIN);
+    EXPECT_FALSE(TextToInt32(u"2147483648", i32));
+    EXPECT_FALSE(TextToInt32(u"1e400", i32));
+    EXPECT_FALSE(TextToInt32(u"x", i32));
+    EXPECT_EQ(i32, INT32_MIN) << "a failed conversion leaves the value as it was";
+    EXPECT_TRUE(TextToInt32(u"2.5", i32));
+    EXPECT_EQ(i32, 2);
+    EXPECT_TRUE(TextToInt32(u"1e-400", i32));
+    EXPECT_EQ(i32, 0);
+
+    int16_t i16 = 0;
+    EXPECT_TRUE(TextToInt16(u"32767", i16));
+    EXPECT_FALSE(TextToInt16(u"32768", i16));
+    EXPECT_TRUE(TextToInt16(u"-32768.4", i16));
+    EXPECT_EQ(i16, -32768);
+
+    uint8_t b = 0;
+    EXPECT_TRUE(TextToByte(u"255", b));
+    EXPECT_FALSE(TextToByte(u"256", b));
+    EXPECT_FALSE(TextToByte(u"-1", b));
+    EXPECT_EQ(b, 255);
+}
+
+TEST(mNumber, WrapAroundArithmetic) {
+    EXPECT_EQ(WrapAdd(INT32_MAX, 1), INT32_MIN);
+    EXPECT_EQ(WrapSub(INT32_MIN, 1), INT32_MAX);
+    EXPECT_EQ(WrapMul(65536, 65536), 0);
+    EXPECT_EQ(WrapMul(-1, INT32_MIN), INT32_MIN);
+    EXPECT_EQ(DecimalText(-2147483648LL), u"-2147483648");
+}
+
+}  // namespace
+}  // namespace toval
