@@ -38,7 +38,7 @@ public:
     virtual ~Shell() = default;
 
     // Shows a modal message box; texts come already resolved from the language.
-    virtual int32_t MessageBox(const std::u16string& text, const std::u16string& title,
+    virtual int32_t ShowMessage(const std::u16string& text, const std::u16string& title,
                                int32_t flags) = 0;
     // Opens a link with the shell's "open" verb.
     virtual void OpenLink(const std::u16string& url) = 0;

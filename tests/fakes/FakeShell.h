@@ -16,7 +16,7 @@ public:
         int32_t flags;
     };
 
-    int32_t MessageBox(const std::u16string& text, const std::u16string& title,
+    int32_t ShowMessage(const std::u16string& text, const std::u16string& title,
                        int32_t flags) override {
         boxes.push_back({text, title, flags});
         return boxAnswer;
