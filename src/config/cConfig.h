@@ -1,0 +1,50 @@
+// The settings file config.ini (section "toval" in the per-user application
+// data folder): every key with its default and conversion, moved between the
+// file and the shared settings record. Load also loads the language.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "config/cIni.h"
+#include "config/cSettings.h"
+#include "config/mLanguage.h"
+#include "platform/IniFile.h"
+#include "platform/Shell.h"
+
+namespace toval {
+
+class cConfig {
+  public:
+    cConfig(cGlobals& globals, Shell& shell, IniFile& ini);
+
+    // Reads language_name and loads the language; unless languageOnly, then
+    // reads every other key into the settings record. A value that does not
+    // convert leaves its field as it was.
+    void Load(bool languageOnly);
+
+    // Writes the window group (positions, sizes, mode; the main window calls
+    // this while closing) or the settings group (everything the settings
+    // dialog edits), never both.
+    void Save(bool windowGroup);
+
+    // Read from and written to the file on every access.
+    bool editModeSplash();
+    void setEditModeSplash(bool value);
+    int32_t lastUpdateVersion();
+    void setLastUpdateVersion(int32_t value);
+
+    // The file in use and the language module loaded with it.
+    const std::u16string& File() const { return ini_.File(); }
+    mLanguage& Language() { return language_; }
+
+  private:
+    void LoadLanguage();
+
+    cGlobals& globals_;
+    Shell& shell_;
+    cIni ini_;
+    mLanguage language_;
+};
+
+}  // namespace toval
