@@ -1,0 +1,14 @@
+// The system's 8-bit code page, Windows-1252, as the INI files and the track ID
+// use it. A character the code page cannot hold becomes "?". The five bytes that
+// Windows-1252 leaves undefined (81 8D 8F 90 9D) map to the control characters of
+// the same number, as Windows maps them, so every byte survives a round trip.
+#pragma once
+
+#include <string>
+
+namespace toval {
+
+std::string wstringTOansi(const std::u16string& text);
+std::u16string ansiTOwstring(const std::string& bytes);
+
+}  // namespace toval
