@@ -1,0 +1,218 @@
+#include "config/cIniEngine.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+#include <vector>
+
+#include "config/cErrorLog.h"
+
+namespace toval {
+namespace {
+
+bool IsBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\v' || c == '\f' || c == '\x1a';
+}
+
+std::string_view Trim(std::string_view s) {
+    while (!s.empty() && IsBlank(s.front()))
+        s.remove_prefix(1);
+    while (!s.empty() && IsBlank(s.back()))
+        s.remove_suffix(1);
+    return s;
+}
+
+// The names and values of the calls are C strings: they end at the first zero.
+std::string_view CString(std::string_view s) {
+    const size_t zero = s.find('\0');
+    return zero == std::string_view::npos ? s : s.substr(0, zero);
+}
+
+char Lower(char c) {
+    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool SameName(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return false;
+    for (size_t i = 0; i < a.size(); ++i) {
+        if (Lower(a[i]) != Lower(b[i])) return false;
+    }
+    return true;
+}
+
+// One line of the file as the engine sees it.
+struct Line {
+    enum Kind { kOther, kSection, kKey } kind = kOther;
+    size_t begin = 0;        // offset of the line in the content
+    size_t end = 0;          // offset just past its line break (or the end of the content)
+    std::string_view name;   // section or key name, trimmed
+    std::string_view value;  // value of a key, trimmed
+};
+
+std::vector<Line> Split(std::string_view content) {
+    std::vector<Line> lines;
+    size_t pos = 0;
+    while (pos < content.size()) {
+        size_t next = content.find('\n', pos);
+        next = next == std::string_view::npos ? content.size() : next + 1;
+        Line line;
+        line.begin = pos;
+        line.end = next;
+        const std::string_view text = Trim(content.substr(pos, next - pos));
+        if (!text.empty() && text.front() == '[') {
+            std::string_view name = text.substr(1);
+            const size_t close = name.find(']');
+            if (close != std::string_view::npos) name = name.substr(0, close);
+            line.kind = Line::kSection;
+            line.name = Trim(name);
+        } else if (!text.empty() && text.front() != ';') {
+            // A line without "=" is a key with an empty value.
+            const size_t eq = text.find('=');
+            line.kind = Line::kKey;
+            line.name = Trim(text.substr(0, eq));
+            if (eq != std::string_view::npos) line.value = Trim(text.substr(eq + 1));
+        }
+        lines.push_back(line);
+        pos = next;
+    }
+    return lines;
+}
+
+// The index of the first key line named key in a section named section, or
+// -1. sectionLine receives the first section line of that name (or -1).
+ptrdiff_t FindKey(const std::vector<Line>& lines, std::string_view section, std::string_view key,
+                  ptrdiff_t& sectionLine) {
+    sectionLine = -1;
+    bool inside = false;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        const Line& line = lines[i];
+        if (line.kind == Line::kSection) {
+            inside = SameName(line.name, section);
+            if (inside && sectionLine < 0) sectionLine = static_cast<ptrdiff_t>(i);
+        } else if (inside && line.kind == Line::kKey && SameName(line.name, key)) {
+            return static_cast<ptrdiff_t>(i);
+        }
+    }
+    return -1;
+}
+
+std::string Cut(std::string_view text, size_t bufferSize) {
+    if (bufferSize == 0) return {};
+    return std::string(text.substr(0, bufferSize - 1));
+}
+
+std::string ReadWholeFile(const std::filesystem::path& path, bool& found) {
+    std::ifstream in(path, std::ios::binary);
+    found = static_cast<bool>(in);
+    if (!found) return {};
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+}  // namespace
+
+std::string cIniEngine::Lookup(std::string_view content, std::string_view section,
+                               std::string_view key, const std::string& def, size_t bufferSize) {
+    const std::vector<Line> lines = Split(content);
+    ptrdiff_t sectionLine = -1;
+    const ptrdiff_t at = FindKey(lines, Trim(CString(section)), Trim(CString(key)), sectionLine);
+    if (at < 0) {
+        // Like the system call, the default loses its trailing blanks.
+        std::string_view d = CString(def);
+        while (!d.empty() && d.back() == ' ')
+            d.remove_suffix(1);
+        return Cut(d, bufferSize);
+    }
+    std::string_view value = lines[static_cast<size_t>(at)].value;
+    if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
+        value.back() == value.front()) {
+        value = value.substr(1, value.size() - 2);
+    }
+    return Cut(value, bufferSize);
+}
+
+std::string cIniEngine::Update(std::string_view content, std::string_view section,
+                               std::string_view key, std::string_view value) {
+    section = Trim(CString(section));
+    key = Trim(CString(key));
+    // A value is one line of the file.
+    value = CString(value);
+    value = value.substr(0, value.find_first_of("\r\n"));
+    std::string entry;
+    entry.reserve(key.size() + value.size() + 3);
+    entry.append(key).append("=").append(value).append("\r\n");
+
+    const std::vector<Line> lines = Split(content);
+    ptrdiff_t sectionLine = -1;
+    const ptrdiff_t at = FindKey(lines, section, key, sectionLine);
+    std::string out;
+    out.reserve(content.size() + entry.size() + section.size() + 8);
+    if (at >= 0) {
+        const Line& line = lines[static_cast<size_t>(at)];
+        out.append(content.substr(0, line.begin)).append(entry).append(content.substr(line.end));
+        return out;
+    }
+    if (sectionLine >= 0) {
+        // A new key goes behind the last line of the section that is not blank.
+        size_t last = static_cast<size_t>(sectionLine);
+        for (size_t i = last + 1; i < lines.size() && lines[i].kind != Line::kSection; ++i) {
+            if (!Trim(content.substr(lines[i].begin, lines[i].end - lines[i].begin)).empty()) {
+                last = i;
+            }
+        }
+        const size_t insert = lines[last].end;
+        out.append(content.substr(0, insert));
+        if (!out.empty() && out.back() != '\n') out.append("\r\n");
+        out.append(entry).append(content.substr(insert));
+        return out;
+    }
+    out.append(content);
+    if (!out.empty() && out.back() != '\n') out.append("\r\n");
+    out.append("[").append(section).append("]\r\n").append(entry);
+    return out;
+}
+
+std::string cIniEngine::ReadString(const std::u16string& file, const std::string& section,
+                                   const std::string& key, const std::string& def,
+                                   size_t bufferSize) {
+    return Guarded("cIniEngine.ReadString", std::string(), [&] {
+        bool found = false;
+        const std::string content = ReadWholeFile(std::filesystem::path(file), found);
+        return Lookup(content, section, key, def, bufferSize);
+    });
+}
+
+bool cIniEngine::WriteString(const std::u16string& file, const std::string& section,
+                             const std::string& key, const std::string& value) {
+    return Guarded("cIniEngine.WriteString", false, [&] {
+        const std::filesystem::path path(file);
+        bool found = false;
+        const std::string content = ReadWholeFile(path, found);
+        std::error_code ec;
+        if (!found && std::filesystem::exists(path, ec)) return false;  // there but unreadable
+        const std::string updated = Update(content, section, key, value);
+
+        // Write beside the file and swap it in, so that a failed write never
+        // leaves the settings half written.
+        std::filesystem::path temp = path;
+        temp += ".tmp";
+        {
+            std::ofstream out(temp, std::ios::binary | std::ios::trunc);
+            if (!out) return false;
+            out.write(updated.data(), static_cast<std::streamsize>(updated.size()));
+            out.close();
+            if (!out) {
+                std::filesystem::remove(temp, ec);
+                return false;
+            }
+        }
+        std::filesystem::rename(temp, path, ec);
+        if (ec) {
+            std::filesystem::remove(temp, ec);
+            return false;
+        }
+        return true;
+    });
+}
+
+}  // namespace toval

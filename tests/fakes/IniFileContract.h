@@ -1,0 +1,148 @@
+// What every IniFile must do, whoever implements it (the portable engine, the
+// Windows adapter). Instantiate with a maker type that has a static
+// std::unique_ptr<IniFile> Make():
+//   INSTANTIATE_TYPED_TEST_SUITE_P(Engine, IniFileContract, ::testing::Types<Maker>);
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+
+#include "fakes/TempDir.h"
+#include "platform/IniFile.h"
+
+namespace toval::test {
+
+template <class Maker>
+class IniFileContract : public ::testing::Test {
+  protected:
+    std::unique_ptr<IniFile> ini = Maker::Make();
+    TempDir dir;
+    std::u16string file = dir.file(u"config.ini");
+
+    void Put(const std::string& bytes) {
+        std::ofstream out(std::filesystem::path(file), std::ios::binary | std::ios::trunc);
+        out << bytes;
+    }
+    std::string Bytes() {
+        std::ifstream in(std::filesystem::path(file), std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    }
+    std::string Read(const std::string& section, const std::string& key,
+                     const std::string& def = "DEF", size_t size = 1024) {
+        return ini->ReadString(file, section, key, def, size);
+    }
+};
+
+TYPED_TEST_SUITE_P(IniFileContract);
+
+TYPED_TEST_P(IniFileContract, MissingFileSectionOrKeyGivesTheDefault) {
+    EXPECT_EQ(this->Read("toval", "key"), "DEF");
+    EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(this->file)));
+
+    this->Put("[other]\r\nkey=1\r\n");
+    EXPECT_EQ(this->Read("toval", "key"), "DEF");
+    EXPECT_EQ(this->Read("other", "missing", "x"), "x");
+    EXPECT_EQ(this->Read("other", "missing", ""), "");
+    // The default loses its trailing blanks, as with the system call.
+    EXPECT_EQ(this->Read("other", "missing", " d  "), " d");
+}
+
+TYPED_TEST_P(IniFileContract, NamesIgnoreCaseAndBlanksValuesLoseBlanksAndOneQuotePair) {
+    this->Put(
+        "; a comment line\r\n"
+        "[ToVal]\r\n"
+        "  Font_Name =  Arial Black  \r\n"
+        "quoted=\"  spaced  \"\r\n"
+        "single='x'\r\n"
+        "twice=\"\"a\"\"\r\n"
+        "unpaired=\"abc\r\n"
+        "lone=\"\r\n"
+        "empty=\r\n"
+        ";hidden=1\r\n"
+        "first=1\r\n"
+        "first=2\r\n"
+        "[next]\r\n"
+        "font_name=other\r\n");
+    EXPECT_EQ(this->Read("toval", "font_name"), "Arial Black");
+    EXPECT_EQ(this->Read("TOVAL", "FONT_NAME"), "Arial Black");
+    EXPECT_EQ(this->Read("toval", "quoted"), "  spaced  ");
+    EXPECT_EQ(this->Read("toval", "single"), "x");
+    EXPECT_EQ(this->Read("toval", "twice"), "\"a\"");
+    EXPECT_EQ(this->Read("toval", "unpaired"), "\"abc");
+    EXPECT_EQ(this->Read("toval", "lone"), "\"");
+    EXPECT_EQ(this->Read("toval", "empty"), "");
+    EXPECT_EQ(this->Read("toval", ";hidden"), "DEF");
+    EXPECT_EQ(this->Read("toval", "hidden"), "DEF");
+    EXPECT_EQ(this->Read("toval", "first"), "1");
+    EXPECT_EQ(this->Read("next", "font_name"), "other");
+}
+
+TYPED_TEST_P(IniFileContract, LinesEndingInLfAloneAndAFinalLineWithoutBreakAreRead) {
+    this->Put("[toval]\nA=1\nB=2");
+    EXPECT_EQ(this->Read("toval", "a"), "1");
+    EXPECT_EQ(this->Read("toval", "b"), "2");
+}
+
+TYPED_TEST_P(IniFileContract, TheBufferCutsLongValues) {
+    const std::string longValue(3000, 'v');
+    this->Put("[toval]\r\nlong=" + longValue + "\r\nshort=abc\r\n");
+    EXPECT_EQ(this->Read("toval", "long"), std::string(1023, 'v'));
+    EXPECT_EQ(this->Read("toval", "short", "", 3), "ab");
+    EXPECT_EQ(this->Read("toval", "short", "", 1), "");
+    EXPECT_EQ(this->Read("toval", "missing", "defaults", 4), "def");
+}
+
+TYPED_TEST_P(IniFileContract, WritingCreatesFileAndSectionAndReadsBack) {
+    ASSERT_TRUE(this->ini->WriteString(this->file, "toval", "window_mode", "2"));
+    EXPECT_EQ(this->Bytes(), "[toval]\r\nwindow_mode=2\r\n");
+    EXPECT_EQ(this->Read("toval", "window_mode"), "2");
+
+    ASSERT_TRUE(this->ini->WriteString(this->file, "other", "k", "v"));
+    EXPECT_EQ(this->Read("other", "k"), "v");
+    EXPECT_EQ(this->Read("toval", "window_mode"), "2");
+}
+
+TYPED_TEST_P(IniFileContract, WritingReplacesOneValueAndKeepsEveryOtherLine) {
+    const std::string before =
+        "; settings\r\n"
+        "[toval]\r\n"
+        "font_Name = Arial\r\n"
+        "window_mode=1\r\n"
+        "\r\n"
+        "[other]\r\n"
+        "window_mode=9\r\n";
+    this->Put(before);
+    ASSERT_TRUE(this->ini->WriteString(this->file, "TOVAL", "WINDOW_MODE", "2"));
+    const std::string after = this->Bytes();
+    EXPECT_EQ(this->Read("toval", "window_mode"), "2");
+    EXPECT_EQ(this->Read("other", "window_mode"), "9");
+    EXPECT_NE(after.find("; settings\r\n[toval]\r\nfont_Name = Arial\r\n"), std::string::npos)
+        << after;
+    EXPECT_NE(after.find("\r\n[other]\r\nwindow_mode=9\r\n"), std::string::npos) << after;
+
+    // A new key lands in its own section, not in the one that follows.
+    ASSERT_TRUE(this->ini->WriteString(this->file, "toval", "proxy_Host", "proxy.lan"));
+    EXPECT_EQ(this->Read("toval", "proxy_host"), "proxy.lan");
+    EXPECT_EQ(this->Read("other", "proxy_host"), "DEF");
+    EXPECT_EQ(this->Read("toval", "font_name"), "Arial");
+}
+
+TYPED_TEST_P(IniFileContract, AnUnwritableFileIsReportedAndChangesNothing) {
+    const std::u16string nowhere = this->dir.file(u"missing-folder") + u"/config.ini";
+    EXPECT_FALSE(this->ini->WriteString(nowhere, "toval", "k", "v"));
+    EXPECT_EQ(this->ini->ReadString(nowhere, "toval", "k", "d", 1024), "d");
+}
+
+REGISTER_TYPED_TEST_SUITE_P(IniFileContract, MissingFileSectionOrKeyGivesTheDefault,
+                            NamesIgnoreCaseAndBlanksValuesLoseBlanksAndOneQuotePair,
+                            LinesEndingInLfAloneAndAFinalLineWithoutBreakAreRead,
+                            TheBufferCutsLongValues, WritingCreatesFileAndSectionAndReadsBack,
+                            WritingReplacesOneValueAndKeepsEveryOtherLine,
+                            AnUnwritableFileIsReportedAndChangesNothing);
+
+}  // namespace toval::test
