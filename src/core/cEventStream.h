@@ -1,0 +1,82 @@
+// The time-ordered list of highlight events of one lyric: every line start and
+// every word time, sorted by time. Each tick compares the play position with
+// the current and the next event's times and raises LoadEvent(line, word) when
+// the position has left the current interval. The records hold the lyric's own
+// time objects, so later changes of those times (fitting, the editor) are seen.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "lyric/mNumber.h"
+
+namespace toval {
+
+class cLyric;
+class cTime;
+struct cGlobals;
+
+class cEventStream {
+  public:
+    // position: the play position in ms that each tick reads (the program-wide
+    // one, or the editor's own); it must outlive the stream.
+    explicit cEventStream(const int32_t& position);
+    explicit cEventStream(const cGlobals& globals);
+
+    // Builds the list from the lyric's line and word times (empty for nullptr).
+    void Load(const std::shared_ptr<cLyric>& lyric);
+    void setLoad(const std::shared_ptr<cLyric>& lyric) { Load(lyric); }
+
+    // One tick: raises LoadEvent when the position has left the current interval.
+    void UpdateTimeEvent();
+
+    // Compresses every event time by trackLength / lyricLength (ms), but only
+    // when |lyricLength| - |trackLength| > 100 and both are positive.
+    void TimeMix(int32_t lyricLength, int32_t trackLength);
+
+    int32_t NumEvents() const { return static_cast<int32_t>(events_.size()); }
+
+    // The line and word (kUnset for the whole line) to highlight.
+    std::function<void(int32_t& line, int32_t& word)> onLoadEvent;
+
+    // The list itself, for inspection (index out of range: kUnset / nullptr).
+    int32_t EventLine(int32_t index) const;
+    int32_t EventWord(int32_t index) const;
+    int32_t EventTime(int32_t index) const;
+    std::shared_ptr<cTime> EventTimeObject(int32_t index) const;
+
+    // Index of the event last raised (0 after Clear) and the bounds of the
+    // current interval.
+    int32_t Current() const { return current_; }
+    int32_t CurrentTime() const { return currentTime_; }
+    int32_t NextTime() const { return nextTime_; }
+
+    // Building blocks of Load, open for tests and tools.
+    void Clear();
+    void AddEvent(int32_t line, int32_t word, const std::shared_ptr<cTime>& time);
+    void QuickSort(int32_t low, int32_t high);
+
+  private:
+    struct Event {
+        std::shared_ptr<cTime> time;
+        int32_t line = 0;
+        int32_t word = kUnset;
+    };
+
+    int32_t TimeAt(size_t index) const;
+    void SetNextEvent();
+    void SetPrevEvent();
+    void Raise();
+
+    const int32_t& position_;
+    std::vector<Event> events_;
+    int32_t current_ = 0;
+    int32_t currentTime_ = kUnset;
+    int32_t nextTime_ = kNoNext;
+    // Index of the event whose time nextTime_ holds; NumEvents() when none.
+    int32_t nextIndex_ = 0;
+};
+
+}  // namespace toval
