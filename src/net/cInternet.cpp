@@ -1,0 +1,256 @@
+#include "net/cInternet.h"
+
+#include <utility>
+
+#include "config/cErrorLog.h"
+#include "net/mHttp.h"
+
+namespace toval {
+
+namespace {
+
+// The proxy host of the settings as wire bytes (UTF-8).
+std::string HostBytes(const std::u16string& text) {
+    std::string out;
+    out.reserve(text.size());
+    for (size_t i = 0; i < text.size(); ++i) {
+        uint32_t c = text[i];
+        if (c >= 0xD800 && c <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
+            text[i + 1] <= 0xDFFF) {
+            c = 0x10000 + ((c - 0xD800) << 10) + (text[i + 1] - 0xDC00);
+            ++i;
+        } else if (c >= 0xD800 && c <= 0xDFFF) {
+            c = 0xFFFD;
+        }
+        if (c < 0x80) {
+            out.push_back(static_cast<char>(c));
+        } else if (c < 0x800) {
+            out.push_back(static_cast<char>(0xC0 | (c >> 6)));
+            out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
+        } else if (c < 0x10000) {
+            out.push_back(static_cast<char>(0xE0 | (c >> 12)));
+            out.push_back(static_cast<char>(0x80 | ((c >> 6) & 0x3F)));
+            out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
+        } else {
+            out.push_back(static_cast<char>(0xF0 | (c >> 18)));
+            out.push_back(static_cast<char>(0x80 | ((c >> 12) & 0x3F)));
+            out.push_back(static_cast<char>(0x80 | ((c >> 6) & 0x3F)));
+            out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
+        }
+    }
+    return out;
+}
+
+}  // namespace
+
+cInternet::cInternet(cGlobals& globals) : globals_(globals) {}
+
+cInternet::~cInternet() {
+    setSocket(nullptr);
+    setTime(nullptr);
+}
+
+void cInternet::setSocket(std::shared_ptr<toval::Socket> socket) {
+    if (socket_) {
+        socket_->onConnect = nullptr;
+        socket_->onDataArrival = nullptr;
+        socket_->onSendProgress = nullptr;
+        socket_->onClose = nullptr;
+        socket_->onError = nullptr;
+        socket_->Close();
+    }
+    // A request on the old socket is dropped without an event.
+    busy_ = false;
+    socket_ = std::move(socket);
+    if (!socket_) return;
+    socket_->onConnect = [this] { ws_Sock_Connect(); };
+    socket_->onDataArrival = [this](int32_t total) { ws_Sock_DataArrival(total); };
+    socket_->onSendProgress = [this](int32_t sent, int32_t left) {
+        ws_Sock_SendProgress(sent, left);
+    };
+    socket_->onClose = [this] { ws_Sock_Close(); };
+    socket_->onError = [this](int32_t number, const std::string& description) {
+        ws_Sock_Error(number, description);
+    };
+}
+
+void cInternet::setTime(std::shared_ptr<toval::Timer> timer) {
+    if (timer_) {
+        timer_->setEnabled(false);
+        timer_->onTimer = nullptr;
+    }
+    timer_ = std::move(timer);
+    if (!timer_) return;
+    timer_->setEnabled(false);
+    timer_->setInterval(kInternetTimeout);
+    timer_->onTimer = [this] { tmr_Timer(); };
+    if (busy_) TimerOn();
+}
+
+void cInternet::getPage(const std::string& url, int32_t id, const std::string& cookie, bool force,
+                        const std::string& referer) {
+    Request(false, url, id, {}, cookie, force, referer);
+}
+
+void cInternet::postData(const std::string& url, int32_t id, const std::string& body,
+                         const std::string& cookie, const std::string& referer) {
+    Request(true, url, id, body, cookie, false, referer);
+}
+
+void cInternet::Request(bool post, const std::string& url, int32_t id, const std::string& body,
+                        const std::string& cookie, bool force, const std::string& referer) {
+    enum class Outcome { kSent, kBadUrl, kRepeat, kFailed };
+    std::string host;
+    int32_t port = 0;
+    std::string request;
+    const Outcome outcome =
+        Guarded(post ? "cInternet.postData" : "cInternet.getPage", Outcome::kFailed, [&] {
+            std::string hostPart, target;
+            if (!SplitHttpUrl(url, hostPart, target)) return Outcome::kBadUrl;
+            // The answer still held is reported again, unless a request is on the
+            // wire: then Data is only part of an answer.
+            if (!post && !force && !busy_ && url == lastKey_ && !data_.empty()) {
+                return Outcome::kRepeat;
+            }
+            const cSettings& settings = globals_.Settings;
+            if (settings.proxy_Enabled) {
+                host = HostBytes(settings.proxy_Host);
+                port = settings.proxy_Port;
+                request = HttpRequestText(post, true, url, hostPart, cookie, referer, body);
+                // With the proxy host in front the key never equals a URL, so a
+                // repeat always goes out again.
+                lastKey_ = host + url;
+            } else {
+                HttpDirectHost(hostPart, host, port);
+                request = HttpRequestText(post, false, target, host, cookie, referer, body);
+                lastKey_ = url;
+            }
+            return Outcome::kSent;
+        });
+
+    switch (outcome) {
+        case Outcome::kBadUrl: {
+            // Nothing was sent: a request still on the wire keeps its own ID.
+            const int32_t pendingId = id_;
+            id_ = id;
+            Raise(kInternetBadUrl);
+            id_ = pendingId;
+            return;
+        }
+        case Outcome::kRepeat:
+            id_ = id;
+            Raise(kInternetSuccess);
+            return;
+        case Outcome::kFailed:
+            id_ = id;
+            Fail();
+            return;
+        case Outcome::kSent:
+            Send(host, port, std::move(request), id);
+            return;
+    }
+}
+
+void cInternet::Send(const std::string& host, int32_t port, std::string request, int32_t id) {
+    id_ = id;
+    if (!socket_) {
+        Fail();
+        return;
+    }
+    socket_->setTag(std::move(request));
+    data_.clear();
+    busy_ = true;
+    socket_->Close();
+    socket_->Connect(host, port);
+    // Off and on again, so that a new request gets the whole time-out.
+    TimerOff();
+    TimerOn();
+}
+
+void cInternet::ws_Sock_Connect() {
+    if (!busy_ || !socket_) return;
+    TimerOff();
+    std::string text = socket_->Tag();
+    socket_->setTag({});
+    socket_->SendData(text);
+    TimerOn();
+}
+
+void cInternet::ws_Sock_DataArrival(int32_t /*bytesTotal*/) {
+    if (!busy_ || !socket_) return;
+    TimerOff();
+    TimerOn();
+    std::string piece;
+    socket_->GetData(piece);
+    // An answer past the limit is hostile or broken: stop taking it.
+    if (piece.size() > kInternetMaxAnswer - data_.size()) {
+        data_.clear();
+        ws_Sock_Close();
+        return;
+    }
+    const bool stored = Guarded("cInternet.ws_Sock_DataArrival", false, [&] {
+        data_.append(piece);
+        return true;
+    });
+    if (!stored) {
+        data_.clear();
+        ws_Sock_Close();
+    }
+}
+
+void cInternet::ws_Sock_SendProgress(int32_t /*bytesSent*/, int32_t /*bytesRemaining*/) {
+    if (!busy_) return;
+    // The period restarts with every step, also after the last one: the wait
+    // for the answer is timed as well, or a server that takes the request and
+    // never answers would hold it for good.
+    TimerOff();
+    TimerOn();
+}
+
+void cInternet::ws_Sock_Close() {
+    if (!busy_) return;
+    busy_ = false;
+    TimerOff();
+    if (socket_) socket_->Close();
+    Raise(TakeHttpBody(data_));
+}
+
+void cInternet::ws_Sock_Error(int32_t /*number*/, const std::string& /*description*/) {
+    if (!busy_) return;
+    TimerOff();
+    data_.clear();
+    ws_Sock_Close();
+}
+
+void cInternet::tmr_Timer() {
+    if (!busy_) {
+        TimerOff();
+        return;
+    }
+    data_.clear();
+    ws_Sock_Close();
+}
+
+void cInternet::Fail() {
+    busy_ = false;
+    TimerOff();
+    if (socket_) socket_->Close();
+    data_.clear();
+    Raise(kInternetFailure);
+}
+
+void cInternet::Raise(int16_t state) {
+    // A copy: the handler may start the next request or drop this object.
+    auto handler = onieEvent;
+    if (handler) handler(state);
+}
+
+void cInternet::TimerOn() {
+    if (timer_) timer_->setEnabled(true);
+}
+
+void cInternet::TimerOff() {
+    if (timer_) timer_->setEnabled(false);
+}
+
+}  // namespace toval
