@@ -10,23 +10,45 @@ scripts/deps.sh
 
 FUZZ_SECONDS=${FUZZ_SECONDS:-5}
 status=0
+passed=0
+failed=0
 step() { echo; echo "=== $*"; }
+
+# Runs one ctest preset and adds its counts to the totals.
+run_ctest() {
+    local log
+    log=$(mktemp)
+    if ctest --preset "$1" 2>&1 | tee "$log"; then :; fi
+    local summary
+    summary=$(grep -E 'tests passed, [0-9]+ tests failed out of [0-9]+' "$log" | tail -n 1)
+    if [ -z "$summary" ]; then
+        echo "ctest --preset $1 printed no summary"
+        failed=$((failed + 1)); status=1
+    else
+        local total bad
+        bad=$(sed -E 's/.* ([0-9]+) tests failed out of ([0-9]+).*/\1/' <<<"$summary")
+        total=$(sed -E 's/.* ([0-9]+) tests failed out of ([0-9]+).*/\2/' <<<"$summary")
+        passed=$((passed + total - bad)); failed=$((failed + bad))
+        [ "$bad" = 0 ] || status=1
+    fi
+    rm -f "$log"
+}
 
 step "native build and tests"
 cmake --preset default >/dev/null
 cmake --build --preset default
-ctest --preset default || status=1
+run_ctest default
 
 step "sanitizer build (ASan + UBSan) and tests"
 cmake --preset asan >/dev/null
 cmake --build --preset asan
-ctest --preset asan || status=1
+run_ctest asan
 
 step "Windows x86_64 build, tests under Wine"
 cmake --preset mingw-x64 >/dev/null
 cmake --build --preset mingw-x64
 mkdir -p build/wineprefix
-ctest --preset mingw-x64 || status=1
+run_ctest mingw-x64
 
 step "Windows i686 release build"
 cmake --preset mingw-i686 >/dev/null
@@ -46,11 +68,15 @@ for target in build/fuzz/fuzz/fuzz_*; do
     if "$target" -max_total_time="$FUZZ_SECONDS" -print_final_stats=0 "$corpus" "${seeds[@]}" \
         >"build/fuzz/$name.log" 2>&1; then
         echo "$name: no finding"
-        fuzzed=$((fuzzed + 1))
+        fuzzed=$((fuzzed + 1)); passed=$((passed + 1))
     else
         echo "$name: FINDING"; tail -n 40 "build/fuzz/$name.log"; status=1
+        failed=$((failed + 1))
     fi
 done
 echo "fuzz targets run: $fuzzed"
 
+echo
+echo "test suites and fuzz targets:"
+echo "total: $passed passed, $failed failed"
 exit $status
