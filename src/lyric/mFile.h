@@ -46,4 +46,8 @@ bool FileExists(const std::u16string& path);
 // Deletes a file, ignoring errors.
 void FileKill(const std::u16string& path);
 
+// FileExists and FileKill without the library (what its adapter falls back to).
+bool FileExistsDirect(const std::u16string& path);
+void FileKillDirect(const std::u16string& path);
+
 }  // namespace toval
