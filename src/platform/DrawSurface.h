@@ -28,6 +28,8 @@ class DrawSurface {
     virtual ~DrawSurface() = default;
 
     virtual void FillRectangle(const cRect& rect, cColor color) = 0;
+    // Fills the whole picture.
+    virtual void Blank(cColor color) = 0;
     virtual void setTextColor(cColor color) = 0;
     // Underline of the lyric font for the text drawn next.
     virtual void setUnderline(bool underline) = 0;

@@ -1,0 +1,246 @@
+#include "core/cCore.h"
+
+#include <stdexcept>
+
+#include "config/cErrorLog.h"
+#include "core/cEventStream.h"
+#include "core/cMusic.h"
+#include "core/cPlugin.h"
+#include "display/cDisplay.h"
+#include "lyric/cLyric.h"
+#include "platform/Random.h"
+#include "platform/Shell.h"
+#include "platform/Timer.h"
+
+namespace toval {
+
+cCore::cCore(cGlobals& globals, Shell& shell, Random& random, std::shared_ptr<iLyricSource> loader,
+             std::function<std::u16string(std::u16string_view key)> texts)
+    : globals_(globals),
+      shell_(shell),
+      random_(random),
+      loader_(std::move(loader)),
+      texts_(std::move(texts)) {
+    if (loader_)
+        loader_->onLoaded = [this](int32_t requestId, int32_t status) {
+            clf_Lyric_Loaded(requestId, status);
+        };
+}
+
+cCore::~cCore() {
+    if (loader_) loader_->onLoaded = nullptr;
+    if (timer_) timer_->onTimer = nullptr;
+    DropStream();
+}
+
+void cCore::setTimer(Timer* timer) {
+    if (timer_) timer_->onTimer = nullptr;
+    timer_ = timer;
+    if (!timer_) return;
+    timer_->onTimer = [this] { tmr_Timer_Timer(); };
+    timer_->setInterval(globals_.Settings.timer_TrackPosRefresh);
+    timer_->setEnabled(true);
+    timerBound_ = true;
+}
+
+void cCore::TimerOn(bool on) {
+    if (timer_) timer_->setEnabled(on);
+}
+
+void cCore::setInterval(int32_t ms) {
+    if (timer_) timer_->setInterval(ms);
+}
+
+int32_t cCore::Interval() const {
+    return timer_ ? timer_->Interval() : 0;
+}
+
+void cCore::ForgetTrack() {
+    globals_.PlaylistPosition = kUnset;
+    globals_.TrackID = kUnset;
+}
+
+void cCore::DropStream() {
+    if (stream_) stream_->onLoadEvent = nullptr;
+    stream_.reset();
+}
+
+void cCore::ClearTray() {
+    if (tray_) tray_->Clear();
+}
+
+void cCore::preClose() {
+    TimerOn(false);
+    pluginAlive_ = false;
+}
+
+void cCore::Reset() {
+    if (pluginAlive_ && lyricActive_) PluginEvent(kEventNewTrack);
+}
+
+void cCore::ClearCache() {
+    Guarded("cCore.ClearCache", [&] {
+        if (loader_) loader_->ClearCache();
+    });
+}
+
+void cCore::PluginEvent(int32_t code) {
+    Guarded("cCore.PluginEvent", [&] { PluginEventBody(code); });
+}
+
+void cCore::PluginEventBody(int32_t code) {
+    const cSettings& s = globals_.Settings;
+    switch (code) {
+        case kEventSlowDown: {
+            // Repeated notices slow the polling step by step down to the slow interval.
+            const int32_t interval = Interval();
+            if (interval < s.timer_PlayerStateRefresh) {
+                if (interval <= s.timer_TrackPosRefresh && tray_) tray_->ReajustWindow();
+                const int64_t slower = int64_t{interval} + s.timer_TrackPosRefresh;
+                if (slower > kNoNext || slower < kUnset) throw std::overflow_error("Overflow");
+                setInterval(static_cast<int32_t>(slower));
+            }
+            break;
+        }
+        case kEventStopped:
+            TimerOn(false);
+            ForgetTrack();
+            lyricActive_ = false;
+            ClearTray();
+            DropStream();
+            if (globals_.lastUpdateVersion >= kFirstNoticeVersion &&
+                globals_.lastUpdateVersion != s.version_LastShow)
+                ShowUpdateNotice();
+            TimerOn(true);
+            break;
+        case kEventNewTrack:
+            TimerOn(false);
+            ClearTray();
+            lyricActive_ = false;
+            globals_.PlaylistPosition = plugin_ ? plugin_->PlaylistPosisition() : kUnset;
+            globals_.TrackID = plugin_ && plugin_->Music() ? plugin_->Music()->ID() : kUnset;
+            loadPending_ = true;
+            setInterval(s.timer_TrackPosRefresh);
+            TimerOn(true);
+            break;
+        case kEventForget:
+            ForgetTrack();
+            break;
+        case kEventPlayerClosed:
+        case kEventLinkClosed:
+        case kEventLinkClosed2:
+            // The timer stays off: the program does not wake the plug-in again by itself.
+            TimerOn(false);
+            ForgetTrack();
+            lyricActive_ = false;
+            pluginAlive_ = false;
+            waking_ = false;
+            ClearTray();
+            DropStream();
+            setInterval(s.timer_PlayerStateRefresh);
+            break;
+        case kEventAwake:
+            pluginAlive_ = true;
+            waking_ = false;
+            setInterval(s.timer_TrackPosRefresh);
+            TimerOn(false);
+            TimerOn(true);
+            break;
+        default:
+            break;
+    }
+}
+
+void cCore::tmr_Timer_Timer() {
+    Guarded("cCore.tmr_Timer_Timer", [&] {
+        if (pluginAlive_) {
+            if (plugin_) plugin_->Update();
+            if (lyricActive_) {
+                if (const auto stream = stream_) stream->UpdateTimeEvent();
+            } else if (loadPending_) {
+                loadPending_ = false;
+                if (loader_) loader_->Load(globals_.PlaylistPosition);
+            }
+        } else if (!waking_ && plugin_) {
+            setInterval(globals_.Settings.timer_PlayerStateRefresh);
+            waking_ = true;
+            plugin_->Wakeup();
+        }
+    });
+}
+
+void cCore::clf_Lyric_Loaded(int32_t requestId, int32_t status) {
+    Guarded("cCore.clf_Lyric_Loaded", [&] {
+        if (!plugin_ || !loader_) return;
+        // The user may have moved on while the lookup ran.
+        if (plugin_->PlaylistPosisition() != requestId) {
+            PluginEvent(kEventNewTrack);
+            return;
+        }
+        TimerOn(false);
+        shell_.DoEvents();
+        if (!plugin_) return;  // closed while the messages ran
+
+        auto lyric = std::make_shared<cLyric>(&random_);
+        lyric->setAuxPictureBox(auxPictureBox_);
+        lyric->setLoad(loader_->Lyric());
+        lyric_ = lyric;
+        const std::shared_ptr<cMusic> music = plugin_->Music();
+        if (tray_) {
+            tray_->setLyric(lyric);
+            tray_->setMusic(music);
+        }
+
+        DropStream();
+        stream_ = std::make_shared<cEventStream>(globals_);
+        stream_->onLoadEvent = [this](int32_t& line, int32_t& word) {
+            ces_Stream_LoadEvent(line, word);
+        };
+        stream_->Load(lyric);
+
+        // Fit a lyric timed on a longer recording of the track; only the
+        // millisecond unit is precise enough for that.
+        if (lyric->TrackLength() != kUnset && music && music->MiliDuration() != kUnset &&
+            plugin_->MiliTrackLength())
+            stream_->TimeMix(lyric->TrackLength(), music->MiliDuration());
+
+        lyricActive_ = true;
+        TimerOn(true);
+
+        if (status == kLyricLocal) loader_->LoadFrom(kSourceService, requestId, lyric->Mutation());
+    });
+}
+
+void cCore::ces_Stream_LoadEvent(int32_t& line, int32_t& word) {
+    Guarded("cCore.ces_Stream_LoadEvent", [&] {
+        if (lyricActive_ && tray_) tray_->ChooseText(line, word);
+    });
+}
+
+void cCore::ShowUpdateNotice() {
+    Guarded("cCore.ShowUpdateNotice", [&] {
+        auto notice = std::make_shared<cLyric>(&random_);
+        notice->setAuxPictureBox(auxPictureBox_);
+        notice->setLoad(texts_ ? texts_(u"TovalNewVersion") : std::u16string());
+        if (downloadUrl_.empty()) {
+            std::u16string url = kDownloadTemplate;
+            const size_t at = url.find(u"$S");
+            if (at != std::u16string::npos) url.replace(at, 2, globals_.Settings.conn_Server);
+            downloadUrl_ = url;
+        }
+        notice->setURL(downloadUrl_);
+        if (tray_) tray_->setLyric(notice);
+    });
+}
+
+void cCore::LinkOpened(const std::u16string& url) {
+    Guarded("cCore.LinkOpened", [&] {
+        if (downloadUrl_.empty() || url != downloadUrl_) return;
+        // The notice of one version shows until it has been followed once.
+        globals_.Settings.version_LastShow = globals_.lastUpdateVersion;
+        if (onSaveLastShow) onSaveLastShow(globals_.lastUpdateVersion);
+        ClearTray();
+    });
+}
+
+}  // namespace toval
