@@ -1,0 +1,151 @@
+#include "lyric/cTime.h"
+
+#include <gtest/gtest.h>
+
+#include "lyric/cDelta.h"
+#include "lyric/mNumber.h"
+
+namespace toval {
+namespace {
+
+std::string Narrow(std::u16string_view s) {
+    return std::string(s.begin(), s.end());
+}
+
+TEST(cTime, PrintsLongAndShortForms) {
+    const struct {
+        int32_t ms;
+        const char16_t *text, *simple;
+    } cases[] = {
+        {0, u"00:00.000", u"00:00.00"},
+        {kUnset, u"00:00.000", u"00:00.00"},  // no time prints as zero
+        {-61005, u"-01:01.005", u"-01:01.00"},
+        {6000000, u"100:00.000", u"100:00.00"},
+        {1996, u"00:01.996", u"00:01.100"},  // no carry into the seconds
+        {1994, u"00:01.994", u"00:01.99"},
+        {5, u"00:00.005", u"00:00.00"},
+        {15, u"00:00.015", u"00:00.02"},
+        {25, u"00:00.025", u"00:00.02"},
+        {INT32_MAX, u"35791:23.647", u"35791:23.65"},
+        {-INT32_MAX, u"-35791:23.647", u"-35791:23.65"},
+    };
+    for (const auto& c : cases) {
+        cTime t(c.ms);
+        EXPECT_EQ(t.Text(), c.text) << c.ms;
+        EXPECT_EQ(t.TextSimple(), c.simple) << c.ms;
+    }
+    EXPECT_EQ(cTime().Text(), u"00:00.000");
+}
+
+TEST(cTime, ParsesNumbersAndMinuteSecondForms) {
+    const struct {
+        const char16_t* text;
+        int32_t ms;
+    } cases[] = {
+        {u"01:02.5", 62500},
+        {u"01:02.50", 62500},
+        {u"01:02.500", 62500},
+        {u"-00:01.25", -1250},
+        {u"1:2", 62000},
+        {u"abc", 0},
+        {u"01:xx", kUnset},
+        {u"01:02.", kUnset},
+        {u"+00:10.5", 10500},
+        {u"-00:10.5", -10500},
+        {u"10", 10},
+        {u"1500", 1500},
+        {u"00:01.1234", 2234},
+        {u"", 0},
+        {u"-", 0},
+        {u"2.5", 2},
+        {u"3.5", 4},
+        {u" 1e3 ", 1000},
+        {u"2147483648", kUnset},
+        {u"-2147483648", kUnset},
+        {u"32768:00", kUnset},  // minutes are 16-bit
+        {u"32767:59.999", 1966079999},
+        {u"-32768:00", kUnset},  // the sign comes off first, 32768 overflows
+        {u":5", kUnset},
+        {u"1:2:3", kUnset},
+        {u"x:1", kUnset},
+        {u"00:61", 61000},
+        {u"0:0.1000", 1000},
+        {u"1.5:0", 120000},
+        {u"1:2.5.3", 62005},
+        {u"--1:00", 60000},
+        {u"1: 2", 62000},
+    };
+    for (const auto& c : cases) {
+        cTime t(777);
+        t.setText(c.text);
+        EXPECT_EQ(t.Time(), c.ms) << Narrow(c.text);
+    }
+}
+
+TEST(cTime, ComparesWithTheirOwnConventions) {
+    cTime five(5), zero(0), seven(7);
+    EXPECT_EQ(five.Compare(cTime(5)), 0);
+    EXPECT_EQ(five.Compare(seven), 1);  // the other is later
+    EXPECT_EQ(seven.Compare(five), 2);
+    EXPECT_EQ(zero.LongCompare(0), 0);
+    EXPECT_EQ(zero.LongCompare(-100), 0);  // zero answers 0 whatever ms is
+    EXPECT_EQ(five.LongCompare(0), 1);     // this one is later
+    EXPECT_EQ(five.LongCompare(5), 2);     // equal and not zero: 2
+    EXPECT_EQ(five.LongCompare(9), 2);
+    EXPECT_EQ(cTime(kUnset).LongCompare(kUnset), 2);
+}
+
+TEST(cTime, SplitsAndJoinsFields) {
+    cTime t;
+    t.setTime(1, 75, 1500, false);  // fields add up unchecked
+    EXPECT_EQ(t.Time(), 60000 + 75000 + 1500);
+    t.setTime(0, 1, 250, true);
+    EXPECT_EQ(t.Time(), -1250);
+
+    int32_t m = 9, s = 9, ms = 9;
+    bool negative = true;
+    cTime(-61005).GetTime(m, s, ms, negative);
+    EXPECT_EQ(std::tie(m, s, ms, negative), std::make_tuple(1, 1, 5, true));
+    cTime(kUnset).GetTime(m, s, ms, negative);
+    EXPECT_EQ(std::tie(m, s, ms, negative), std::make_tuple(0, 0, 0, false));
+
+    EXPECT_EQ(cTime(-1500).Seconds(), -2);
+    EXPECT_EQ(cTime(-1000).Seconds(), -1);
+    EXPECT_EQ(cTime(1999).Seconds(), 1);
+    EXPECT_EQ(cTime(kUnset).Seconds(), -2147484);
+
+    // A sum beyond 32 bits, or negating the smallest value, changes nothing.
+    t.setTime(123);
+    t.setTime(40000, 0, 0, false);
+    EXPECT_EQ(t.Time(), 123);
+    t.setTime(0, 0, INT32_MIN, true);
+    EXPECT_EQ(t.Time(), INT32_MIN);
+    t.setTime(0, 0, INT32_MAX, true);
+    EXPECT_EQ(t.Time(), -INT32_MAX);
+}
+
+TEST(cDelta, DiffIsTheAbsoluteSpanOfSetCoordinates) {
+    cDelta d;
+    EXPECT_EQ(d.Diff()->X(), kUnset);
+    d.setInitial(std::make_shared<c2DPoint>(30, 5));
+    d.setFinal(std::make_shared<c2DPoint>(10, kUnset));
+    EXPECT_EQ(d.Diff()->X(), 20);  // a span has no direction
+    EXPECT_EQ(d.Diff()->Y(), kUnset);
+
+    // Replacing a point refreshes the span; editing one in place does not.
+    d.Final()->setX(100);
+    EXPECT_EQ(d.Diff()->X(), 20);
+    d.setFinal(std::make_shared<c2DPoint>(100, 25));
+    EXPECT_EQ(d.Diff()->X(), 70);
+    EXPECT_EQ(d.Diff()->Y(), 20);
+
+    // A span too wide for 32 bits keeps the previous size.
+    d.setInitial(std::make_shared<c2DPoint>(-INT32_MAX, 0));
+    d.setFinal(std::make_shared<c2DPoint>(INT32_MAX, 0));
+    EXPECT_EQ(d.Diff()->X(), 70);
+    d.setInitial(nullptr);
+    EXPECT_EQ(d.Diff()->Y(), 20);
+}
+
+}  // namespace
+}  // namespace toval
