@@ -1,0 +1,255 @@
+#include "config/mLanguage.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "config/cIniEngine.h"
+#include "fakes/TempDir.h"
+
+namespace toval::test {
+namespace {
+
+// A control as a form designer leaves it; a property set to std::nullopt is
+// one the control does not have.
+struct FakeControl : iLanguageTarget {
+    std::u16string name;
+    std::optional<std::u16string> caption = u"designer";
+    std::optional<std::u16string> tip = u"designer tip";
+    std::u16string tag;
+    std::optional<int32_t> left, width, alignment, container;
+    std::vector<std::unique_ptr<FakeControl>> children;
+
+    explicit FakeControl(std::u16string n) : name(std::move(n)) {}
+    FakeControl& Add(std::u16string n) {
+        children.push_back(std::make_unique<FakeControl>(std::move(n)));
+        return *children.back();
+    }
+
+    std::u16string Name() const override { return name; }
+    std::optional<std::u16string> Caption() const override { return caption; }
+    void setCaption(const std::u16string& v) override {
+        if (caption) caption = v;
+    }
+    std::optional<std::u16string> ToolTipText() const override { return tip; }
+    void setToolTipText(const std::u16string& v) override {
+        if (tip) tip = v;
+    }
+    std::u16string Tag() const override { return tag; }
+    void setTag(const std::u16string& v) override { tag = v; }
+    std::optional<int32_t> Left() const override { return left; }
+    void setLeft(int32_t v) override { left = v; }
+    std::optional<int32_t> Width() const override { return width; }
+    std::optional<int32_t> Alignment() const override { return alignment; }
+    void setAlignment(int32_t v) override { alignment = v; }
+    std::optional<int32_t> ContainerWidth() const override { return container; }
+    std::vector<iLanguageTarget*> Children() override {
+        std::vector<iLanguageTarget*> list;
+        for (auto& child : children)
+            list.push_back(child.get());
+        return list;
+    }
+};
+
+class mLanguageTest : public ::testing::Test {
+  protected:
+    TempDir dir;
+    cIniEngine engine;
+    cGlobals globals;
+    mLanguage language{engine, globals};
+
+    void UseFile(const std::string& content) {
+        globals.LanguageFile = dir.file(u"test.ini");
+        std::ofstream(std::filesystem::path(globals.LanguageFile), std::ios::binary) << content;
+    }
+};
+
+TEST_F(mLanguageTest, MessagesBreakLinesAndFillMarkersInOrder) {
+    UseFile(
+        "[msg]\r\n"
+        "Two=Found %% of %%.\\nDone\r\n"
+        "One=Only %% here\r\n"
+        "Slashes=a\\\\nb \\x\r\n"
+        "Self=%%|%%\r\n"
+        "High=caf\xe9\r\n");
+    EXPECT_EQ(language.MessageText(u"Two", {u"3", u"7"}), u"Found 3 of 7.\r\nDone");
+    EXPECT_EQ(language.MessageText(u"two"), u"Found %% of %%.\r\nDone");
+    EXPECT_EQ(language.MessageText(u"Two", {u"3"}), u"Found 3 of %%.\r\nDone");
+    EXPECT_EQ(language.MessageText(u"One", {u"a", u"b", u"c"}), u"Only a here");
+    EXPECT_EQ(language.MessageText(u"Slashes"), u"a\\\r\nb \\x");
+    // The search starts at the beginning each time, so a filled-in marker is
+    // taken by the next element.
+    EXPECT_EQ(language.MessageText(u"Self", {u"%%", u"x"}), u"x|%%");
+    EXPECT_EQ(language.MessageText(u"High"), u"caf\u00e9");
+    EXPECT_EQ(language.MessageText(u"Missing", {u"x"}), u"");
+
+    globals.LanguageFile = dir.file(u"absent.ini");
+    EXPECT_EQ(language.MessageText(u"Two", {u"3", u"7"}), u"");
+    EXPECT_EQ(language.GetValue(u"msg", u"Two"), u"");
+}
+
+TEST_F(mLanguageTest, OnlyExactlyOneMeansRightToLeft) {
+    const std::pair<const char*, bool> cases[] = {
+        {"[info]\r\nalignment=1\r\n", true},   {"[info]\r\nalignment = \"1\" \r\n", true},
+        {"[info]\r\nalignment=01\r\n", false}, {"[info]\r\nalignment=true\r\n", false},
+        {"[info]\r\nalignment=\r\n", false},   {"[msg]\r\nalignment=1\r\n", false},
+    };
+    for (const auto& [content, rtl] : cases) {
+        UseFile(content);
+        globals.RightToLeft = !rtl;
+        language.ReadDirection();
+        EXPECT_EQ(globals.RightToLeft, rtl) << content;
+    }
+    globals.LanguageFile = dir.file(u"absent.ini");
+    language.ReadDirection();
+    EXPECT_FALSE(globals.RightToLeft);
+}
+
+TEST_F(mLanguageTest, LabelsAFormAndEverythingInIt) {
+    UseFile(
+        "[objects]\r\n"
+        ".fEdit.caption=Editor\r\n"
+        ".fEdit.cmdSave.caption=&Save as\r\n"
+        ".fEdit.cmdSave.tooltiptext=Save the lyric\r\n"
+        ".fEdit.fmrSelect.optAll.caption=All\r\n"
+        ".fEdit.noCaption.caption=ignored\r\n"
+        ".fEdit.emptyValue.caption=\r\n"
+        ".cmdSave.caption=wrong path\r\n");
+    FakeControl form(u"fEdit");
+    FakeControl& save = form.Add(u"cmdSave");
+    FakeControl& frame = form.Add(u"fmrSelect");
+    FakeControl& all = frame.Add(u"optAll");
+    FakeControl& noCaption = form.Add(u"noCaption");
+    noCaption.caption.reset();
+    noCaption.tip.reset();
+    FakeControl& empty = form.Add(u"emptyValue");
+
+    language.ApplyLanguage(form, u"");
+    EXPECT_EQ(form.caption, u"Editor");
+    EXPECT_EQ(form.tip, u"designer tip");
+    EXPECT_EQ(save.caption, u"&Save as");
+    EXPECT_EQ(save.tip, u"Save the lyric");
+    EXPECT_EQ(frame.caption, u"designer");
+    EXPECT_EQ(all.caption, u"All");
+    EXPECT_FALSE(noCaption.caption.has_value());
+    EXPECT_EQ(empty.caption, u"designer");
+}
+
+TEST_F(mLanguageTest, TaggedControlsMirrorOnceWhenTheDirectionDiffers) {
+    UseFile("[info]\r\nalignment=1\r\n");
+    language.ReadDirection();
+    FakeControl form(u"fMain");
+    FakeControl& ltr = form.Add(u"lbl");
+    ltr.tag = u"LTR";
+    ltr.left = 100;
+    ltr.width = 50;
+    ltr.container = 1000;
+    ltr.alignment = kAlignLeft;
+    FakeControl& centred = form.Add(u"centred");
+    centred.tag = u"LTR";
+    centred.left = 0;
+    centred.width = 1000;
+    centred.container = 1000;
+    centred.alignment = kAlignCenter;
+    FakeControl& rtl = form.Add(u"rtl");
+    rtl.tag = u"RTL";
+    rtl.left = 10;
+    rtl.width = 10;
+    rtl.container = 100;
+    FakeControl& untagged = form.Add(u"plain");
+    untagged.tag = u"ltr";
+    untagged.left = 10;
+    untagged.width = 10;
+    untagged.container = 100;
+    FakeControl& noGeometry = form.Add(u"menu");
+    noGeometry.tag = u"LTR";
+    noGeometry.alignment = kAlignRight;
+
+    language.ApplyLanguage(form, u"");
+    EXPECT_EQ(ltr.left, 850);
+    EXPECT_EQ(ltr.tag, u"RTL");
+    EXPECT_EQ(ltr.alignment, kAlignRight);
+    EXPECT_EQ(centred.left, 0);
+    EXPECT_EQ(centred.alignment, kAlignCenter);
+    EXPECT_EQ(rtl.left, 10);
+    EXPECT_EQ(untagged.left, 10);
+    EXPECT_EQ(noGeometry.tag, u"RTL");
+    EXPECT_EQ(noGeometry.alignment, kAlignLeft);
+    EXPECT_FALSE(noGeometry.left.has_value());
+
+    // Applying again does not move anything back: the tags now match.
+    language.ApplyLanguage(form, u"");
+    EXPECT_EQ(ltr.left, 850);
+    EXPECT_EQ(ltr.alignment, kAlignRight);
+
+    // Back to a left-to-right language: the controls return.
+    UseFile("[info]\r\nalignment=0\r\n");
+    language.ReadDirection();
+    language.ApplyLanguage(form, u"");
+    EXPECT_EQ(ltr.left, 100);
+    EXPECT_EQ(ltr.tag, u"LTR");
+    EXPECT_EQ(ltr.alignment, kAlignLeft);
+    EXPECT_EQ(rtl.left, 80);
+
+    // Extreme geometry wraps instead of overflowing.
+    FakeControl odd(u"odd");
+    odd.tag = u"RTL";
+    odd.left = INT32_MAX;
+    odd.width = INT32_MAX;
+    odd.container = INT32_MIN;
+    language.ApplyLanguage(odd, u"");
+    EXPECT_EQ(odd.left, INT32_MIN + 2);
+}
+
+// Every message key that the program shows, as its callers name them.
+const char* const kMessageKeys[] = {
+    "StartErrorNoHandle",
+    "StartErrorBadHandle",
+    "AttentionTitle",
+    "ErrorTitle",
+    "InvalidMusicTAG",
+    "TovalNotFound",
+    "TovalNewVersion",
+    "SaveFailed",
+    "AllFiles",
+    "RequestLyricReset",
+    "RequestLyricResetTitle",
+    "TovalSentOk",
+    "TovalSentOkTitle",
+    "TovalSentSqlError",
+    "TovalSentSqlErrorTitle",
+    "TovalSentFail",
+    "TovalSentFailTitle",
+    "TovalEditText",
+    "TovalEditTime",
+    "TovalEditPreview",
+    "TovalEditPreviewText",
+    "TovalEditHelp",
+};
+
+TEST(LanguageFiles, ShippedFilesHoldEveryMessageAndTheirDirection) {
+    const std::filesystem::path folder = std::filesystem::path(TOVAL_SOURCE_DIR) / "lang";
+    cIniEngine engine;
+    for (const auto& [name, rtl] : {std::pair{"enus.ini", false}, std::pair{"heil.ini", true}}) {
+        cGlobals globals;
+        globals.LanguageFile = (folder / name).u16string();
+        ASSERT_TRUE(std::filesystem::exists(folder / name)) << name;
+        mLanguage language(engine, globals);
+        for (const char* key : kMessageKeys) {
+            const std::u16string key16(key, key + std::char_traits<char>::length(key));
+            EXPECT_FALSE(language.MessageText(key16).empty()) << name << " lacks " << key;
+            EXPECT_EQ(language.MessageText(key16).find(u"%%"), std::u16string::npos)
+                << name << " " << key;
+        }
+        EXPECT_FALSE(language.GetValue(u"objects", u".fEdit.cmdSave.caption").empty()) << name;
+        language.ReadDirection();
+        EXPECT_EQ(globals.RightToLeft, rtl) << name;
+    }
+}
+
+}  // namespace
+}  // namespace toval::test
