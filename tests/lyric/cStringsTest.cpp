@@ -1,0 +1,255 @@
+#include "lyric/cStrings.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace toval {
+namespace {
+
+const cStrings kStrings;
+
+std::string Bytes(std::initializer_list<int> values) {
+    std::string bytes;
+    for (int v : values)
+        bytes.push_back(static_cast<char>(v));
+    return bytes;
+}
+
+TEST(cStrings, Utf8DecodingKeepsTheWideMasksAndTheLatin1Fallback) {
+    const std::vector<std::pair<std::string, std::u16string>> cases = {
+        {"", u""},
+        {"plain ascii", u"plain ascii"},
+        {Bytes({0xC3, 0xA9}), u"\u00E9"},
+        {Bytes({0xE9, 'x'}), u"\u00E9x"},  // Latin-1 file
+        {Bytes({0xE2, 0x82, 0xAC}), u"\u20AC"},
+        {Bytes({0xE9}), u"\u00E9"},  // lone lead at the end
+        {Bytes({0xC3}), u"\u00C3"},
+        {Bytes({0xE2, 0x82}), u"\u00E2\u0082"},  // three-byte lead cut short
+        {Bytes({0xE2, 'A', 0x82}), u"\u00E2A\u0082"},
+        {Bytes({0xE2, 0x82, 'A'}), u"\u00E2\u0082A"},
+        {Bytes({0xC0, 0x80}), std::u16string(1, u'\0')},  // overlong forms are not refused
+        {Bytes({0xC1, 0xBF}), u"\u007F"},
+        {Bytes({0xD8, 0xC0}), u"\u0640"},  // second byte's bit 6 is kept
+        {Bytes({0x80, 0x41}), u"\u0080A"},
+        {Bytes({0x80, 0x80}), std::u16string(1, u'\0')},  // a continuation byte as lead
+        {Bytes({0xED, 0xA0, 0x80}), u"\xD800"},           // an encoded surrogate half
+        {Bytes({0xEF, 0xBF, 0xBF}), u"\uFFFF"},
+        // Past 16 bits: a four-byte lead or continuation bytes from C0 up.
+        {Bytes({0xF0, 0x9F, 0x98, 0x80}), u"\uFFFD\u0080"},
+        {Bytes({0xEF, 0xC0, 0x80}), u"\uFFFD"},
+        {Bytes({0xFF, 0xFF, 0xFF}), u"\uFFFD"},
+        {Bytes({0xFF, 0xFF}), u"\u00FF\u00FF"},
+    };
+    for (const auto& [bytes, text] : cases) {
+        EXPECT_EQ(kStrings.utf8TOwstring(bytes), text) << testing::PrintToString(bytes);
+    }
+}
+
+TEST(cStrings, Utf8DecodingIsTheSameAroundTheAsciiFastPath) {
+    // A multi-byte character or a lone high byte at every position of the first
+    // two eight-byte blocks, and at the end.
+    for (size_t before = 0; before < 18; ++before) {
+        for (size_t after = 0; after < 10; ++after) {
+            const std::string a(before, 'a'), b(after, 'b');
+            const std::u16string ta(before, u'a'), tb(after, u'b');
+            EXPECT_EQ(kStrings.utf8TOwstring(a + "\xC3\xA9" + b), ta + u"\u00E9" + tb);
+            EXPECT_EQ(kStrings.utf8TOwstring(a + "\xE9" + b), ta + u"\u00E9" + tb);
+            EXPECT_EQ(kStrings.utf8TOwstring(a + "\xE2\x82\xAC" + b), ta + u"\u20AC" + tb);
+        }
+    }
+}
+
+TEST(cStrings, Utf8EncodingTakesOneToThreeBytesPerUnit) {
+    const std::vector<std::pair<std::u16string, std::string>> cases = {
+        {u"", ""},
+        {u"\u00E9", Bytes({0xC3, 0xA9})},
+        {u"\u20AC", Bytes({0xE2, 0x82, 0xAC})},
+        {std::u16string(1, u'\0'), std::string(1, '\0')},
+        {u"\u007F", "\x7F"},
+        {u"\u0080", Bytes({0xC2, 0x80})},
+        {u"\u07FF", Bytes({0xDF, 0xBF})},
+        {u"\u0800", Bytes({0xE0, 0xA0, 0x80})},
+        {u"\u7FFF", Bytes({0xE7, 0xBF, 0xBF})},
+        {u"\u8000", Bytes({0xE8, 0x80, 0x80})},
+        {u"\uFFFF", Bytes({0xEF, 0xBF, 0xBF})},
+        // A surrogate pair: each half on its own, no byte-order mark.
+        {u"\U0001F600", Bytes({0xED, 0xA0, 0xBD, 0xED, 0xB8, 0x80})},
+    };
+    for (const auto& [text, bytes] : cases) {
+        EXPECT_EQ(kStrings.wstringTOutf8(text), bytes) << testing::PrintToString(bytes);
+    }
+}
+
+TEST(cStrings, EveryUnitSurvivesEncodingAndDecoding) {
+    std::u16string all;
+    for (uint32_t unit = 0; unit <= 0xFFFF; ++unit)
+        all.push_back(static_cast<char16_t>(unit));
+    EXPECT_EQ(kStrings.utf8TOwstring(kStrings.wstringTOutf8(all)), all);
+    EXPECT_EQ(kStrings.wcharTOwstring(kStrings.wstringTOwchar(all)), all);
+    EXPECT_EQ(kStrings.txtuniTOwstring(kStrings.wstringTOtxtuni(all)), all);
+}
+
+TEST(cStrings, FormEncodingKeepsOnlySlashDigitsAndLetters) {
+    EXPECT_EQ(kStrings.stringTOhtml("a b/c?"), "a+b/c%3F");
+    EXPECT_EQ(kStrings.stringTOhtml(""), "");
+    std::string all;
+    for (int b = 0; b < 256; ++b)
+        all.push_back(static_cast<char>(b));
+    const std::string encoded = kStrings.stringTOhtml(all);
+    std::string expected;
+    for (int b = 0; b < 256; ++b) {
+        const bool kept =
+            (b >= '/' && b <= '9') || (b >= 'A' && b <= 'Z') || (b >= 'a' && b <= 'z');
+        char hex[4];
+        std::snprintf(hex, sizeof hex, "%%%02X", b);
+        expected += b == ' ' ? std::string("+") : kept ? std::string(1, static_cast<char>(b)) : hex;
+    }
+    EXPECT_EQ(encoded, expected);
+    EXPECT_NE(encoded.find("%0A"), std::string::npos);       // padded to two digits
+    EXPECT_NE(encoded.find("%3A"), std::string::npos);       // ":" is escaped
+    EXPECT_NE(encoded.find("%2D%2E/0"), std::string::npos);  // "." is escaped, "/" kept
+
+    EXPECT_EQ(kStrings.wstringTOutf8html(u"\u00E9 x/\u20AC"), "%C3%A9+x/%E2%82%AC");
+}
+
+TEST(cStrings, LimitedFormEncodingCutsBetweenWholeCharacters) {
+    const std::u16string text = u"a\u00E9 b";  // a%C3%A9+b
+    const std::vector<std::pair<int32_t, std::string>> cases = {
+        {-1, "a%C3%A9+b"}, {0, "a%C3%A9+b"}, {1, "a"},         {6, "a"},
+        {7, "a%C3%A9"},    {8, "a%C3%A9+"},  {9, "a%C3%A9+b"}, {1000, "a%C3%A9+b"},
+    };
+    for (const auto& [limit, expected] : cases) {
+        EXPECT_EQ(kStrings.wstringTOutf8uhtml(text, limit), expected) << limit;
+    }
+    const std::u16string pair = u"\U0001F600";  // two halves, 18 characters
+    EXPECT_EQ(kStrings.wstringTOutf8uhtml(pair, 17), "");
+    EXPECT_EQ(kStrings.wstringTOutf8uhtml(pair, 18), kStrings.wstringTOutf8html(pair));
+    // A lone half is a character of its own.
+    EXPECT_EQ(kStrings.wstringTOutf8uhtml(u"\xD83Dx", 9), "%ED%A0%BD");
+}
+
+TEST(cStrings, HtmlTagsAndReferencesBecomeText) {
+    const std::vector<std::pair<std::u16string, std::u16string>> cases = {
+        {u"", u""},
+        {u"a<br>b<p>c<br/>d<br />e", u"a\r\nb\r\nc\r\nd\r\ne"},
+        {u"<BR><br  /><b>", u"<BR><br  /><b>"},  // other spellings stay
+        {u"&amp;&lt;&gt;&quot;", u"&<>\""},
+        {u"&eacute;t&eacute; &Eacute;", u"\u00E9t\u00E9 \u00C9"},
+        {u"&euro;&pound;&yen;&copy;&reg;&trade;", u"\u20AC\u00A3\u00A5\u00A9\u00AE\u2122"},
+        {u"&lrm;&rlm;&mdash;&ndash;", u"\u200E\u200F\u2014\u2013"},
+        // The table's own rows.
+        {u"&acute;&cedil;&middot;&circ;&and;&tilde;&prime;", u",,.^^~'"},
+        {u"&hellip;|&emsp;&ensp;&thinsp;|", u"...|   |"},
+        {u"&Iacut;&Iacute;", u"\u00CD&Iacute;"},
+        {u"&AMP;&Amp;&nbsp;&foo;& amp;&amp", u"&AMP;&Amp;&nbsp;&foo;& amp;&amp"},
+        // Numeric references: decimal, up to 65535.
+        {u"&#233;&#0065;&#65535;", u"\u00E9A\uFFFF"},
+        {u"&#65536;&#;&#x41;&#-1;", u"&#65536;&#;&#x41;&#-1;"},
+        // Again and again until nothing is left.
+        {u"&amp;lt;", u"<"},
+        {u"&amp;amp;amp;", u"&"},
+        {u"&lt;br&gt;", u"\r\n"},
+        {u"&lt;br /&gt;x", u"\r\nx"},
+        {u"&#38;amp;", u"&"},
+        {u"&a&#109;p;", u"&"},
+        {u"&amp&#59;", u"&"},
+        {u"&#38;#38;#38;", u"&"},
+        {u"a&b;c&amp;d;", u"a&b;c&d;"},
+    };
+    for (const auto& [html, text] : cases) {
+        EXPECT_EQ(kStrings.htmlTOtext(html), text) << testing::PrintToString(std::u16string(html));
+    }
+}
+
+// What the text becomes when tags and then references are replaced in whole
+// passes until a pass changes nothing: the slow, obvious reading.
+std::u16string HtmlByPasses(std::u16string text) {
+    static const std::vector<std::pair<std::u16string, std::u16string>> named = {
+        {u"amp", u"&"},      {u"lt", u"<"},  {u"gt", u">"},
+        {u"hellip", u"..."}, {u"and", u"^"}, {u"para", u"\u00B6"}};
+    auto replaceAll = [](std::u16string& s, const std::u16string& from, const std::u16string& to) {
+        std::u16string out;
+        size_t at = 0;
+        for (size_t hit; (hit = s.find(from, at)) != std::u16string::npos; at = hit + from.size()) {
+            out += s.substr(at, hit - at) + to;
+        }
+        s = out + s.substr(at);
+    };
+    for (;;) {
+        const std::u16string before = text;
+        for (const char16_t* tag : {u"<p>", u"<br>", u"<br/>", u"<br />"}) {
+            replaceAll(text, tag, u"\r\n");
+        }
+        for (const auto& [name, to] : named)
+            replaceAll(text, u"&" + name + u";", to);
+        std::u16string out;
+        for (size_t i = 0; i < text.size(); ++i) {
+            size_t j = i + 2;
+            uint32_t value = 0;
+            while (j < text.size() && text[j] >= u'0' && text[j] <= u'9' && value <= 0xFFFF) {
+                value = value * 10 + (text[j] - u'0');
+                ++j;
+            }
+            if (text[i] == u'&' && i + 1 < text.size() && text[i + 1] == u'#' && j > i + 2 &&
+                j < text.size() && text[j] == u';' && value <= 0xFFFF) {
+                out.push_back(static_cast<char16_t>(value));
+                i = j;
+            } else {
+                out.push_back(text[i]);
+            }
+        }
+        text = out;
+        if (text == before) return text;
+    }
+}
+
+TEST(cStrings, HtmlInOnePassEqualsRepeatedWholePasses) {
+    const std::u16string alphabet = u"&#;<>/ bpramltgnd3856951x";
+    std::mt19937 random(20261121);
+    for (int round = 0; round < 20000; ++round) {
+        std::u16string html;
+        const size_t length = random() % 28;
+        for (size_t i = 0; i < length; ++i)
+            html.push_back(alphabet[random() % alphabet.size()]);
+        ASSERT_EQ(kStrings.htmlTOtext(html), HtmlByPasses(html)) << testing::PrintToString(html);
+    }
+}
+
+TEST(cStrings, HtmlChainsOfAnyLengthNeedNoDeepRecursion) {
+    // Each "&#59;" completes the reference before it: 200000 replacements in a row.
+    std::u16string chain;
+    for (int i = 0; i < 200000; ++i)
+        chain += u"&#59";
+    EXPECT_EQ(kStrings.htmlTOtext(chain + u";"), u";");
+    std::u16string nested = u"&";
+    for (int i = 0; i < 200000; ++i)
+        nested += u"amp;";
+    EXPECT_EQ(kStrings.htmlTOtext(nested), u"&");
+}
+
+TEST(cStrings, SixteenBitTextsAndFiles) {
+    EXPECT_EQ(kStrings.wstringTOtxtuni(u"a\u20AC"), Bytes({0xFF, 0xFE, 'a', 0, 0xAC, 0x20}));
+    EXPECT_EQ(kStrings.wstringTOtxtuni(u""), Bytes({0xFF, 0xFE}));
+    EXPECT_EQ(kStrings.txtuniTOwstring(Bytes({0xFF, 0xFE, 'a', 0, 0xE9, 0})), u"a\u00E9");
+    EXPECT_EQ(kStrings.txtuniTOwstring(Bytes({'a', 0, 'b', 0})),
+              u"ab");  // no mark: nothing skipped
+    EXPECT_EQ(kStrings.txtuniTOwstring(Bytes({0xFF, 0xFE})), u"");
+    EXPECT_EQ(kStrings.txtuniTOwstring(Bytes({0xFF})), u"\u00FF");
+    EXPECT_EQ(kStrings.txtuniTOwstring(Bytes({0xFF, 0xFE, 'a', 0, 'b'})), u"ab");
+    EXPECT_EQ(kStrings.txtuniTOwstring(""), u"");
+
+    EXPECT_EQ(kStrings.wstringTOwchar(u"A\u20AC"), Bytes({'A', 0, 0xAC, 0x20}));
+    EXPECT_EQ(kStrings.wcharTOwstring(Bytes({'A', 0, 0xAC, 0x20})), u"A\u20AC");
+    EXPECT_EQ(kStrings.wcharTOwstring(Bytes({0xFF, 0xFE})),
+              u"\uFEFF");  // a mark is a character here
+    EXPECT_EQ(kStrings.wcharTOwstring(Bytes({'A', 0, 'B'})), u"AB");
+    EXPECT_EQ(kStrings.wcharTOwstring(""), u"");
+    EXPECT_EQ(kStrings.wstringTOwchar(u""), "");
+}
+
+}  // namespace
+}  // namespace toval
