@@ -1,0 +1,57 @@
+// The editor's undo history: copies of the lyric's lines, words and times
+// taken before each change (stamps, deletions, range operations, folds), with
+// undo and redo. It holds at most Capacity() steps; the oldest goes first.
+// A copy is of values only, so restoring gives the lyric new line, word and
+// time objects.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <vector>
+
+namespace toval {
+
+class cLyric;
+
+class cUndoHistory {
+  public:
+    explicit cUndoHistory(size_t capacity = 200) : capacity_(capacity) {}
+
+    // Call before a change: remembers the lyric as it is and forgets the redo steps.
+    void Record(const cLyric& lyric);
+    // Undoes the last change: lyric goes back to the state before it; false
+    // when there is nothing to undo.
+    bool Undo(cLyric& lyric);
+    bool Redo(cLyric& lyric);
+
+    bool CanUndo() const { return !undo_.empty(); }
+    bool CanRedo() const { return !redo_.empty(); }
+    size_t UndoSize() const { return undo_.size(); }
+    size_t Capacity() const { return capacity_; }
+    void Clear();
+
+  private:
+    struct Word {
+        std::u16string text;
+        std::vector<int32_t> times;
+    };
+    struct Line {
+        std::u16string text;
+        bool karaoke = false;
+        std::vector<int32_t> times;
+        std::vector<Word> words;
+    };
+    using Snapshot = std::vector<Line>;
+
+    static Snapshot Take(const cLyric& lyric);
+    static void Restore(const Snapshot& snapshot, cLyric& lyric);
+    static void Push(std::deque<Snapshot>& stack, Snapshot snapshot, size_t capacity);
+
+    size_t capacity_;
+    std::deque<Snapshot> undo_;
+    std::deque<Snapshot> redo_;
+};
+
+}  // namespace toval
