@@ -1,0 +1,251 @@
+#include "lyric/cLyric.h"
+
+#include <gtest/gtest.h>
+
+#include "core/cMusic.h"
+#include "fakes/FakeMeasureSurface.h"
+#include "fakes/FakeRandom.h"
+
+namespace toval {
+namespace {
+
+constexpr char16_t kTimedTvl[] =
+    u"[PROPERTY]\r\nMUTATION:1804289383\r\nTRACKLENGTH:215000\r\nRIGHTTOLEFT:0\r\n"
+    u"[\\PROPERTY][12000]First line\r\n"
+    u"[15500]<15500>Sec<15900>ond <16400>line\r\n"
+    u"[]\r\n";
+
+TEST(cLyric, LoadsAndWritesTheTvlDocument) {
+    cLyric empty;
+    empty.setLoad(u"");
+    EXPECT_EQ(empty.GetLineSize(), 0);
+    EXPECT_TRUE(empty.Simple());
+    EXPECT_EQ(empty.Delta()->Final()->X(), 0);
+    EXPECT_EQ(empty.Delta()->Final()->Y(), 0);
+    EXPECT_EQ(empty.TextHeight(), kUnset);
+    EXPECT_EQ(empty.TVL(), u"[PROPERTY]\r\nMUTATION:-2147483648\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY]");
+
+    cLyric l;
+    l.setLoad(kTimedTvl);
+    ASSERT_EQ(l.GetLineSize(), 3);
+    EXPECT_FALSE(l.Simple());
+    EXPECT_EQ(l.Mutation(), 1804289383);
+    EXPECT_EQ(l.TrackLength(), 215000);
+    EXPECT_FALSE(l.RightToLeft());
+    EXPECT_EQ(l.GetLine(1)->Text(), u"Second line");
+    EXPECT_EQ(l.GetLine(1)->GetWord(2)->GetTime(0)->Time(), 16400);
+    EXPECT_EQ(l.GetLine(3), nullptr);
+    EXPECT_EQ(l.TVL(), kTimedTvl);
+    EXPECT_EQ(l.Text(), u"First line\r\nSecond line\r\n\r\n");
+    EXPECT_EQ(l.LRC(nullptr), u"[00:12.00]First line\r\n[00:15.50]Second line\r\n[00:00.00]\r\n");
+
+    // Writing the LRC form and reading it back keeps hundredths of the first
+    // line time only.
+    cLyric back;
+    back.setLoad(u"[00:01.234]a\r\n" + l.LRC(nullptr));
+    EXPECT_EQ(back.GetLine(0)->GetTime(0)->Time(), 1234);
+    EXPECT_EQ(back.GetLine(2)->GetTime(0)->Time(), 15500);
+    EXPECT_EQ(back.GetLine(2)->GetWordSize(), 0);
+
+    l.RemoveLine(0);
+    EXPECT_EQ(l.GetLineSize(), 2);
+    EXPECT_EQ(l.GetLine(0)->Text(), u"Second line");
+}
+
+TEST(cLyric, SimpleLyricsAreWrittenAsPlainText) {
+    cLyric l;
+    l.setLoad(u"one\r\n \r\n\u05D0\r\n<>a<> <>b");
+    EXPECT_TRUE(l.Simple());
+    l.setRightToLeft(true);
+    l.setTrackLength(1000);
+    const std::u16string tvl = l.TVL();
+    EXPECT_EQ(tvl,
+              u"[PROPERTY]\r\nMUTATION:-2147483648\r\nTRACKLENGTH:1000\r\nRIGHTTOLEFT:1\r\n"
+              u"[\\PROPERTY]one\r\n\r\n\u05D0\r\na b\r\n");
+    EXPECT_EQ(l.Text(), u"one\r\n\r\n\u05D0\r\na b\r\n");
+
+    cLyric again;
+    again.setLoad(tvl);
+    EXPECT_TRUE(again.RightToLeft());
+    EXPECT_EQ(again.TrackLength(), 1000);
+    EXPECT_EQ(again.GetLineSize(), 4);
+    EXPECT_EQ(again.TVL(), tvl);
+}
+
+TEST(cLyric, KeepsLeadingIdTagsOnly) {
+    cLyric l;
+    l.setLoad(u"[ar:A]\r\n[ti:T]\r\n[00:01.00]x\r\n[al:later]");
+    ASSERT_EQ(l.GetLineSize(), 2);
+    EXPECT_EQ(l.IDTags(), u"[ar:A]\r\n[ti:T]\r\n");
+    EXPECT_EQ(l.GetLine(0)->GetTime(0)->Time(), 1000);
+    EXPECT_EQ(l.GetLine(1)->Text(), u"");  // a later tag is an ordinary untimed line
+    EXPECT_EQ(l.GetLine(1)->GetTimeSize(), 0);
+    EXPECT_EQ(l.LRC(nullptr), u"[ar:A]\r\n[ti:T]\r\n[00:01.00]x\r\n[00:00.00]\r\n");
+
+    // Without kept tags the track's header is written.
+    cMusic track;
+    track.setArtist(u"Someone");
+    track.setTitle(u"Song");
+    cLyric plain;
+    plain.setLoad(u"[00:01.50]Hi");
+    EXPECT_EQ(plain.IDTags(), u"");
+    EXPECT_EQ(plain.LRC(std::make_shared<cMusic>(track)), track.IDTag() + u"[00:01.50]Hi\r\n");
+
+    cLyric lrc;
+    lrc.setLoad(u"[ar:Someone]\r\n[00:01.50]Hi");
+    ASSERT_EQ(lrc.GetLineSize(), 1);
+    EXPECT_EQ(lrc.GetLine(0)->GetTime(0)->Time(), 1500);
+    EXPECT_EQ(lrc.IDTags(), u"[ar:Someone]\r\n");
+
+    // An empty first piece ends the header; a tag with nothing between the
+    // brackets is not an ID tag.
+    cLyric gap;
+    gap.setLoad(u"\r\n[ar:x]\r\n");
+    EXPECT_EQ(gap.IDTags(), u"");
+    EXPECT_EQ(gap.GetLineSize(), 2);
+    gap.setLoad(u"[]x\r\n[ar:x]");
+    EXPECT_EQ(gap.IDTags(), u"");
+    // A complete property section turns header mode off.
+    cLyric tvl;
+    tvl.setLoad(u"[PROPERTY]\r\n[\\PROPERTY][ar:x]\r\n");
+    EXPECT_EQ(tvl.IDTags(), u"");
+    EXPECT_EQ(tvl.GetLineSize(), 1);
+}
+
+TEST(cLyric, ReadsPropertySections) {
+    cLyric l;
+    l.setLoad(
+        u"ignored before[PROPERTY]\r\nmutation:5\r\nRIGHTTOLEFT:yes\r\nnocolon\r\n"
+        u"TrackLength: 2.5 \r\nOTHER:1\r\n[\\PROPERTY]a");
+    EXPECT_EQ(l.Mutation(), 5);
+    EXPECT_FALSE(l.RightToLeft());
+    EXPECT_EQ(l.TrackLength(), 2);
+    ASSERT_EQ(l.GetLineSize(), 1);
+    EXPECT_EQ(l.GetLine(0)->Text(), u"a");
+
+    const struct {
+        const char16_t* section;
+        int32_t mutation;
+        bool rightToLeft;
+    } cases[] = {
+        {u"\r\nMUTATION:7\r\nRIGHTTOLEFT:1\r\n", 7, true},
+        {u"\r\nMUTATION:7\r\nRIGHTTOLEFT:1", 7, false},  // no CR LF after it: ignored
+        {u"\r\nMUTATION:x\r\nRIGHTTOLEFT:11\r\n", 3, false},
+        {u"\r\nMUTATION:99999999999\r\n", 3, false},  // does not fit: ignored
+        {u"MUTATION:8\r\n", 3, false},                // reading starts at the third character
+        {u"\r\nMUTATION:8:9\r\n", 3, false},
+        {u"", 3, false},
+    };
+    for (const auto& c : cases) {
+        cLyric p;
+        p.setMutation(3);
+        p.setProperties(c.section);
+        EXPECT_EQ(p.Mutation(), c.mutation);
+        EXPECT_EQ(p.RightToLeft(), c.rightToLeft);
+    }
+
+    // Without its end marker the section is read as lines, the start marker
+    // included.
+    cLyric broken;
+    broken.setLoad(u"[PROPERTY]\r\nMUTATION:5\r\n[]a");
+    EXPECT_EQ(broken.Mutation(), kUnset);
+    ASSERT_EQ(broken.GetLineSize(), 3);
+    EXPECT_EQ(broken.GetLine(0)->Text(), u"");
+    EXPECT_EQ(broken.GetLine(1)->Text(), u"MUTATION:5");
+    EXPECT_EQ(broken.GetLine(1)->GetTimeSize(), 0);
+    EXPECT_EQ(broken.GetLine(2)->Text(), u"a");
+}
+
+TEST(cLyric, MutationStaysAPositive32BitNumber) {
+    test::FakeRandom random({0.0, 0.5, 0.99999999999999989, 1.0, -0.5});
+    cLyric l(&random);
+    const int32_t expected[] = {1, 1073741824, 2147483647, 2147483647, 1};
+    for (const int32_t e : expected) {
+        l.Mutate();
+        EXPECT_EQ(l.Mutation(), e);
+    }
+    cLyric none;
+    none.setMutation(42);
+    none.Mutate();
+    EXPECT_EQ(none.Mutation(), 42);
+}
+
+TEST(cLyric, LaysOutLinesAndWords) {
+    test::FakeMeasureSurface surface(10, 16);
+    cLyric l;
+    l.setAuxPictureBox(&surface);
+    l.setLoad(u"[]<1>ab<2>cd\r\n\r\n[]x");
+    EXPECT_EQ(surface.doEvents, 1);
+    EXPECT_EQ(l.Delta()->Final()->X(), 40);
+    EXPECT_EQ(l.Delta()->Final()->Y(), 48);  // an empty line is as high as any
+    EXPECT_EQ(l.TextHeight(), 16);
+    auto line0 = l.GetLine(0);
+    EXPECT_EQ(line0->Delta()->Initial()->X(), 0);
+    EXPECT_EQ(line0->Delta()->Final()->X(), 40);
+    EXPECT_EQ(l.GetLine(2)->Delta()->Initial()->Y(), 32);
+    EXPECT_EQ(l.GetLine(2)->Delta()->Final()->Y(), 48);
+    EXPECT_EQ(line0->GetWord(1)->Delta()->Initial()->X(), 20);
+    EXPECT_EQ(line0->AuxPictureBox(), nullptr);  // given back after layout
+
+    l.setAlignment(2);
+    l.Resize();
+    EXPECT_EQ(l.GetLine(2)->Delta()->Initial()->X(), 30);
+    EXPECT_EQ(l.GetLine(2)->Delta()->Final()->X(), 40);
+
+    // Centring rounds half to even: 101 px spare gives 50, 103 gives 52.
+    test::FakeMeasureSurface narrow(1, 10);
+    cLyric c;
+    c.setAlignment(3);
+    c.setAuxPictureBox(&narrow);
+    c.setLoad(std::u16string(200, u'w') + u"\r\n" + std::u16string(99, u'n') + u"\r\n" +
+              std::u16string(97, u'n') + u"\r\n" + u"<>ab<>c");
+    EXPECT_EQ(c.GetLine(1)->Delta()->Initial()->X(), 50);
+    EXPECT_EQ(c.GetLine(2)->Delta()->Initial()->X(), 52);
+    EXPECT_EQ(c.GetLine(2)->Delta()->Final()->X(), 149);
+    EXPECT_EQ(c.GetLine(3)->GetWord(1)->Delta()->Initial()->X(), 100);  // (200-3)/2=98.5 -> 98, +2
+
+    // Other alignments leave X alone and lay out no words.
+    c.setAlignment(4);
+    c.GetLine(1)->Delta()->setInitial(std::make_shared<c2DPoint>(7, 0));
+    c.Resize();
+    EXPECT_EQ(c.GetLine(1)->Delta()->Initial()->X(), 7);
+    EXPECT_EQ(c.GetLine(1)->Delta()->Initial()->Y(), 10);
+
+    // No surface: positions are kept.
+    cLyric bare;
+    bare.setLoad(u"a\r\nb");
+    EXPECT_EQ(bare.GetLine(0)->Delta()->Final()->Y(), kUnset);
+    EXPECT_EQ(bare.Delta()->Final()->Y(), 0);
+
+    // The height rounds half to even.
+    bare.Delta()->setFinal(std::make_shared<c2DPoint>(0, 5));
+    EXPECT_EQ(bare.TextHeight(), 2);
+    bare.Delta()->setFinal(std::make_shared<c2DPoint>(0, 7));
+    EXPECT_EQ(bare.TextHeight(), 4);
+}
+
+TEST(cLyric, ToleratesHostileText) {
+    const char16_t* inputs[] = {
+        u"[PROPERTY][\\PROPERTY]",
+        u"[\\PROPERTY][PROPERTY]",
+        u"\r\n\r\n\r",
+        u"]]]]<<<>>>[[[",
+        u"[99999999999]a<99999999999>b",
+        u"[-00:01]<-00:01>\r\n[:]<:>",
+        u"[PROPERTY]\r\nMUTATION:\r\n:\r\n\r\n[\\PROPERTY]",
+    };
+    test::FakeMeasureSurface surface;
+    for (const auto* in : inputs) {
+        cLyric l;
+        l.setAuxPictureBox(&surface);
+        l.setLoad(in);
+        cLyric again;
+        again.setLoad(l.TVL());
+        EXPECT_EQ(again.TVL(), l.TVL());
+        (void)l.LRC(nullptr);
+        (void)l.TextRebuild();
+    }
+}
+
+}  // namespace
+}  // namespace toval
