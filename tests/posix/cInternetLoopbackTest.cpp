@@ -1,0 +1,282 @@
+// The HTTP client and the socket adapters against real servers on 127.0.0.1.
+// Each adapter of the Socket and Timer ports runs the same tests: add its
+// harness to Adapters.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "net/cInternet.h"
+#include "posix/LoopbackServer.h"
+#include "posix/cPosixLoop.h"
+#include "posix/cPosixSocket.h"
+#include "posix/cPosixTimer.h"
+
+namespace toval::test {
+namespace {
+
+struct PosixAdapter {
+    std::shared_ptr<Socket> MakeSocket() { return std::make_shared<cPosixSocket>(loop); }
+    std::shared_ptr<Timer> MakeTimer() { return std::make_shared<cPosixTimer>(loop); }
+    bool RunUntil(const std::function<bool()>& done, int32_t limitMs) {
+        return loop.RunUntil(done, limitMs);
+    }
+    cPosixLoop loop;
+};
+
+using Adapters = ::testing::Types<PosixAdapter>;
+
+struct Event {
+    int16_t state;
+    int32_t id;
+    std::string data;
+};
+
+std::string Url(int32_t port, const std::string& path) {
+    return "http://127.0.0.1:" + std::to_string(port) + path;
+}
+
+constexpr char kHead[] =
+    "User-Agent: Toval/1.3.1\r\nAccept: */*\r\nAccept-Charset: utf-8\r\nAccept-Encoding: none\r\n";
+
+template <class Adapter>
+class InternetLoopbackTest : public ::testing::Test {
+  protected:
+    InternetLoopbackTest() {
+        net.setSocket(adapter.MakeSocket());
+        net.setTime(adapter.MakeTimer());
+        net.onieEvent = [this](int16_t state) { events.push_back({state, net.ID(), net.Data()}); };
+    }
+
+    // Runs the loop until the next event; false when none came in time.
+    bool awaitEvent(int32_t limitMs = 8000) {
+        const size_t before = events.size();
+        return adapter.RunUntil([&] { return events.size() > before; }, limitMs);
+    }
+
+    Adapter adapter;
+    cGlobals globals;
+    cInternet net{globals};
+    std::vector<Event> events;
+};
+
+TYPED_TEST_SUITE(InternetLoopbackTest, Adapters);
+
+TYPED_TEST(InternetLoopbackTest, GetAndPostGoOutToTheByteAndBringTheBody) {
+    LoopbackServer server(
+        LoopbackServer::Answer("HTTP/1.0 200 OK\r\nContent-Type: text/plain\r\n\r\nhello lyric"));
+    ASSERT_NE(server.Port(), 0);
+    this->net.getPage(Url(server.Port(), "/x?y=1"), 5, "c=1");
+    ASSERT_TRUE(this->awaitEvent());
+    this->net.postData(Url(server.Port(), "/post"), 6, "art=A&tit=B");
+    ASSERT_TRUE(this->awaitEvent());
+
+    ASSERT_EQ(this->events.size(), 2u);
+    EXPECT_EQ(this->events[0].state, kInternetSuccess);
+    EXPECT_EQ(this->events[0].id, 5);
+    EXPECT_EQ(this->events[0].data, "hello lyric");
+    EXPECT_EQ(this->events[1].state, kInternetSuccess);
+    EXPECT_EQ(this->events[1].id, 6);
+    const auto requests = server.Requests();
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_EQ(requests[0], "GET /x?y=1 HTTP/1.0\r\nHost: 127.0.0.1\r\n" + std::string(kHead) +
+                               "Cookie: c=1\r\nConnection: Close\r\n\r\n");
+    EXPECT_EQ(requests[1], "POST /post HTTP/1.0\r\nHost: 127.0.0.1\r\n" + std::string(kHead) +
+                               "Connection: Close\r\nContent-Type: "
+                               "application/x-www-form-urlencoded\r\nContent-Length: "
+                               "11\r\n\r\nart=A&tit=B");
+}
+
+TYPED_TEST(InternetLoopbackTest, AnswersArriveWholeInAnyPieces) {
+    const std::string body = "[00:01.00]line one\r\n[00:02.50]line two\r\n";
+    const std::string answer = "HTTP/1.1 200 OK\r\nServer: x\r\n\r\n" + body;
+    for (size_t piece : {size_t{1}, size_t{7}, size_t{29}, size_t{4096}}) {
+        SCOPED_TRACE(piece);
+        LoopbackServer server(LoopbackServer::Answer(answer, piece, piece < 8 ? 1 : 5));
+        this->net.getPage(Url(server.Port(), "/"), 1, "", true);
+        ASSERT_TRUE(this->awaitEvent());
+        EXPECT_EQ(this->events.back().state, kInternetSuccess);
+        EXPECT_EQ(this->events.back().data, body);
+    }
+    // A large answer in one go.
+    const std::string big(1 << 20, 'z');
+    LoopbackServer server(LoopbackServer::Answer("HTTP/1.0 200 OK\r\n\r\n" + big));
+    this->net.getPage(Url(server.Port(), "/big"), 2, "", true);
+    ASSERT_TRUE(this->awaitEvent());
+    EXPECT_EQ(this->events.back().state, kInternetSuccess);
+    EXPECT_EQ(this->events.back().data.size(), big.size());
+}
+
+TYPED_TEST(InternetLoopbackTest, BrokenAndHostileServersEndInFailure) {
+    struct Case {
+        const char* what;
+        LoopbackServer::Handler handler;
+    };
+    const std::vector<Case> cases = {
+        {"404", LoopbackServer::Answer("HTTP/1.0 404 Not Found\r\n\r\nno")},
+        {"closes at once", [](LoopbackServer::Connection&) {}},
+        {"closes after the request", [](LoopbackServer::Connection& c) { c.ReadRequest(); }},
+        {"no header end", LoopbackServer::Answer("HTTP/1.0 200 OK\r\nX: y\r\n")},
+        {"stays silent",
+         [](LoopbackServer::Connection& c) {
+             c.ReadRequest();
+             c.WaitForClose(8000);
+         }},
+        {"never ends",
+         [](LoopbackServer::Connection& c) {
+             c.ReadRequest();
+             c.Send("HTTP/1.0 200 OK\r\n\r\nstart");
+             c.WaitForClose(8000);
+         }},
+        {"past the limit",
+         [](LoopbackServer::Connection& c) {
+             c.ReadRequest();
+             c.Send("HTTP/1.0 200 OK\r\n\r\n");
+             const std::string block(64 * 1024, 'x');
+             for (int i = 0; i < 80 && c.Send(block); ++i) {
+             }
+         }},
+    };
+    if (this->net.Time()) this->net.Time()->setInterval(300);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        LoopbackServer server(c.handler);
+        this->net.getPage(Url(server.Port(), "/"), 3, "", true);
+        ASSERT_TRUE(this->awaitEvent());
+        EXPECT_EQ(this->events.back().state, kInternetFailure);
+        EXPECT_EQ(this->net.Data(), "");
+    }
+    // Nobody listens.
+    this->net.getPage(Url(LoopbackServer::ClosedPort(), "/"), 4, "", true);
+    ASSERT_TRUE(this->awaitEvent());
+    EXPECT_EQ(this->events.back().state, kInternetFailure);
+    EXPECT_EQ(this->events.back().id, 4);
+    // Nothing more arrives once every request is answered.
+    const size_t count = this->events.size();
+    EXPECT_FALSE(this->awaitEvent(400));
+    EXPECT_EQ(this->events.size(), count);
+}
+
+TYPED_TEST(InternetLoopbackTest, ProxyGetsTheAbsoluteUrlAndRelaysTheAnswer) {
+    LoopbackServer origin(LoopbackServer::Answer("HTTP/1.0 200 OK\r\n\r\nvia proxy"));
+    LoopbackServer proxy(LoopbackServer::Proxy());
+    this->globals.Settings.proxy_Enabled = true;
+    this->globals.Settings.proxy_Host = u"127.0.0.1";
+    this->globals.Settings.proxy_Port = proxy.Port();
+    const std::string url = Url(origin.Port(), "/p?q=1");
+    this->net.getPage(url, 9);
+    ASSERT_TRUE(this->awaitEvent());
+    EXPECT_EQ(this->events.back().state, kInternetSuccess);
+    EXPECT_EQ(this->events.back().data, "via proxy");
+
+    const std::string hostPart = "127.0.0.1:" + std::to_string(origin.Port());
+    ASSERT_EQ(proxy.Requests().size(), 1u);
+    EXPECT_EQ(proxy.Requests()[0], "GET " + url + " HTTP/1.0\r\nHost: " + hostPart + "\r\n" +
+                                       kHead + "Proxy-Connection: Close\r\n\r\n");
+    ASSERT_EQ(origin.Requests().size(), 1u);
+    EXPECT_EQ(origin.Requests()[0].substr(0, 20), "GET /p?q=1 HTTP/1.0\r");
+
+    // The same URL goes out again through the proxy.
+    this->net.getPage(url, 10);
+    ASSERT_TRUE(this->awaitEvent());
+    EXPECT_EQ(this->events.back().id, 10);
+    EXPECT_EQ(proxy.Connections(), 2);
+}
+
+// The port's own promises, which every adapter keeps.
+template <class Adapter>
+class SocketAdapterTest : public ::testing::Test {
+  protected:
+    Adapter adapter;
+};
+
+TYPED_TEST_SUITE(SocketAdapterTest, Adapters);
+
+TYPED_TEST(SocketAdapterTest, EventsComeFromTheLoopInOrder) {
+    LoopbackServer server([](LoopbackServer::Connection& c) {
+        std::string got;
+        char buffer[64];
+        while (got.size() < 4) {
+            const ssize_t n = ::recv(c.fd(), buffer, sizeof buffer, 0);
+            if (n <= 0) return;
+            got.append(buffer, static_cast<size_t>(n));
+        }
+        c.Send("echo:" + got);
+    });
+    auto socket = this->adapter.MakeSocket();
+    std::vector<std::string> log;
+    int32_t sent = 0, remaining = -1;
+    std::string received;
+    socket->onConnect = [&] {
+        log.push_back("connect");
+        socket->SendData("ping");
+    };
+    socket->onSendProgress = [&](int32_t bytes, int32_t left) {
+        sent += bytes;
+        remaining = left;
+    };
+    socket->onDataArrival = [&](int32_t total) {
+        log.push_back("data");
+        std::string piece;
+        socket->GetData(piece);
+        EXPECT_EQ(static_cast<size_t>(total), piece.size());
+        received += piece;
+    };
+    socket->onClose = [&] { log.push_back("close"); };
+    socket->onError = [&](int32_t, const std::string&) { log.push_back("error"); };
+
+    socket->Connect("127.0.0.1", server.Port());
+    EXPECT_TRUE(log.empty());  // nothing is raised inside the call
+    ASSERT_TRUE(
+        this->adapter.RunUntil([&] { return !log.empty() && log.back() == "close"; }, 5000));
+    EXPECT_EQ(log.front(), "connect");
+    EXPECT_EQ(log.back(), "close");
+    EXPECT_EQ(sent, 4);
+    EXPECT_EQ(remaining, 0);
+    EXPECT_EQ(received, "echo:ping");
+    EXPECT_EQ(socket->State(), kSckClosing);
+    socket->Close();
+    EXPECT_EQ(socket->State(), kSckClosed);
+}
+
+TYPED_TEST(SocketAdapterTest, FailuresArriveAsErrorEvents) {
+    struct Case {
+        std::string host;
+        int32_t port;
+        int32_t number;
+    };
+    const std::vector<Case> cases = {
+        {"127.0.0.1", LoopbackServer::ClosedPort(), kSckConnectionRefused},
+        {"", 80, kSckHostNotFound},
+        {"127.0.0.1", 0, kSckInvalidArg},
+        {"127.0.0.1", 70000, kSckInvalidArg},
+    };
+    auto socket = this->adapter.MakeSocket();
+    std::vector<int32_t> errors;
+    bool connected = false;
+    socket->onError = [&](int32_t number, const std::string&) { errors.push_back(number); };
+    socket->onConnect = [&] { connected = true; };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.host + ":" + std::to_string(c.port));
+        errors.clear();
+        socket->Connect(c.host, c.port);
+        EXPECT_TRUE(errors.empty());
+        ASSERT_TRUE(this->adapter.RunUntil([&] { return !errors.empty(); }, 5000));
+        EXPECT_EQ(errors, std::vector<int32_t>{c.number});
+    }
+    // Sending without a connection, and a Close that cancels what is pending.
+    errors.clear();
+    socket->Close();
+    socket->SendData("x");
+    ASSERT_TRUE(this->adapter.RunUntil([&] { return !errors.empty(); }, 1000));
+    EXPECT_EQ(errors, std::vector<int32_t>{kSckBadState});
+    socket->Connect("", 80);
+    socket->Close();
+    this->adapter.RunUntil([] { return false; }, 100);
+    EXPECT_EQ(errors.size(), 1u);
+    EXPECT_FALSE(connected);
+}
+
+}  // namespace
+}  // namespace toval::test
