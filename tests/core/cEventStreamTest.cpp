@@ -1,0 +1,228 @@
+#include "core/cEventStream.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "config/cSettings.h"
+#include "lyric/cLyric.h"
+#include "lyric/cTime.h"
+
+namespace toval::test {
+namespace {
+
+using Raised = std::pair<int32_t, int32_t>;  // line, word
+
+std::shared_ptr<cLyric> LyricOf(std::u16string_view text) {
+    auto lyric = std::make_shared<cLyric>();
+    lyric->setLoad(text);
+    return lyric;
+}
+
+struct Player {
+    int32_t position = 0;
+    cEventStream stream{position};
+    std::vector<Raised> raised;
+
+    Player() {
+        stream.onLoadEvent = [this](int32_t& line, int32_t& word) {
+            raised.emplace_back(line, word);
+        };
+    }
+    // Moves to ms, ticks once and returns what that tick raised.
+    std::vector<Raised> At(int32_t ms) {
+        raised.clear();
+        position = ms;
+        stream.UpdateTimeEvent();
+        return raised;
+    }
+};
+
+std::vector<Raised> Order(const cEventStream& s) {
+    std::vector<Raised> out;
+    for (int32_t i = 0; i < s.NumEvents(); ++i)
+        out.emplace_back(s.EventLine(i), s.EventWord(i));
+    return out;
+}
+
+TEST(cEventStream, LoadTakesEveryLineTimeAndOnlyPositiveWordTimes) {
+    Player p;
+    auto lyric = LyricOf(
+        u"[5000][65000]chorus\r\n"
+        u"[]<0>zero <2000>two <-5>neg <1>one\r\n"
+        u"[-100]early");
+    p.stream.Load(lyric);
+    ASSERT_EQ(p.stream.NumEvents(), 5);
+    EXPECT_EQ(Order(p.stream),
+              (std::vector<Raised>{{2, kUnset}, {1, 3}, {1, 1}, {0, kUnset}, {0, kUnset}}));
+    EXPECT_EQ(p.stream.EventTime(0), -100);
+    EXPECT_EQ(p.stream.EventTime(4), 65000);
+    EXPECT_EQ(p.stream.CurrentTime(), kUnset);
+    EXPECT_EQ(p.stream.NextTime(), -100);
+
+    // The records hold the lyric's own time objects.
+    lyric->GetLine(0)->GetTime(1)->setTime(70000);
+    EXPECT_EQ(p.stream.EventTime(4), 70000);
+
+    // Loading again starts from scratch.
+    p.stream.Load(LyricOf(u"[10]a"));
+    EXPECT_EQ(p.stream.NumEvents(), 1);
+}
+
+TEST(cEventStream, UntimedLyricNeverRaises) {
+    for (auto lyric : {LyricOf(u""), LyricOf(u"plain\r\ntext\r\n"), std::shared_ptr<cLyric>()}) {
+        Player p;
+        p.stream.Load(lyric);
+        EXPECT_EQ(p.stream.NumEvents(), 0);
+        EXPECT_EQ(p.stream.NextTime(), kNoNext);
+        for (int32_t ms : {0, 5000, -7, kUnset, kNoNext, kNoNext, 0})
+            EXPECT_TRUE(p.At(ms).empty());
+    }
+}
+
+TEST(cEventStream, MovesForwardRaisingOnlyTheLastEventPassed) {
+    Player p;
+    std::u16string text;
+    for (int i = 0; i < 12; ++i)
+        text += u"[" + DecimalText((i + 1) * 1000) + u"]line\r\n";
+    p.stream.Load(LyricOf(text));
+
+    EXPECT_TRUE(p.At(0).empty());
+    EXPECT_TRUE(p.At(999).empty());
+    EXPECT_EQ(p.At(1000), (std::vector<Raised>{{0, kUnset}}));  // exactly at the time
+    EXPECT_TRUE(p.At(1500).empty());
+    EXPECT_TRUE(p.At(1000).empty());  // still inside the current interval
+    EXPECT_EQ(p.At(2000), (std::vector<Raised>{{1, kUnset}}));
+    // Ten events at once: only the tenth.
+    EXPECT_EQ(p.At(11999), (std::vector<Raised>{{10, kUnset}}));
+    EXPECT_EQ(p.stream.Current(), 10);
+    EXPECT_EQ(p.At(50000), (std::vector<Raised>{{11, kUnset}}));
+    EXPECT_EQ(p.stream.NextTime(), kNoNext);
+    EXPECT_TRUE(p.At(60000).empty());
+    // The largest position is no next event either.
+    EXPECT_TRUE(p.At(kNoNext).empty());
+}
+
+TEST(cEventStream, MovesBackwardAndRaisesTheFirstEventTwice) {
+    Player p;
+    p.stream.Load(LyricOf(u"[1000]a\r\n[2000]b\r\n[3000]c\r\n[4000]d"));
+    EXPECT_EQ(p.At(3500), (std::vector<Raised>{{2, kUnset}}));
+    EXPECT_EQ(p.At(2100), (std::vector<Raised>{{1, kUnset}}));
+    EXPECT_EQ(p.stream.CurrentTime(), 2000);
+    EXPECT_EQ(p.stream.NextTime(), 3000);
+    EXPECT_EQ(p.At(3000), (std::vector<Raised>{{2, kUnset}}));
+
+    // Back to before the first event: event 0 at once, and again on reaching it.
+    EXPECT_EQ(p.At(500), (std::vector<Raised>{{0, kUnset}}));
+    EXPECT_EQ(p.stream.Current(), 0);
+    EXPECT_EQ(p.stream.CurrentTime(), kUnset);
+    EXPECT_EQ(p.stream.NextTime(), 1000);
+    EXPECT_TRUE(p.At(900).empty());
+    EXPECT_EQ(p.At(1000), (std::vector<Raised>{{0, kUnset}}));
+    EXPECT_EQ(p.At(kUnset), (std::vector<Raised>{{0, kUnset}}));
+    EXPECT_EQ(p.At(4000), (std::vector<Raised>{{3, kUnset}}));
+}
+
+TEST(cEventStream, EqualTimesEndInTheOrderThatDecidesWhatIsRaised) {
+    // A line and its first word at the same time: the sort puts the word first,
+    // so the line (no word) is what is raised, and the first word never is.
+    Player p;
+    p.stream.Load(LyricOf(u"[1000]<1000>Hello <1500>world"));
+    EXPECT_EQ(Order(p.stream), (std::vector<Raised>{{0, 0}, {0, kUnset}, {0, 1}}));
+    EXPECT_EQ(p.At(1000), (std::vector<Raised>{{0, kUnset}}));
+    EXPECT_EQ(p.At(1500), (std::vector<Raised>{{0, 1}}));
+
+    // Two records: the pivot of (0, 1) is record 0, and the pair is swapped.
+    Player two;
+    two.stream.AddEvent(0, kUnset, std::make_shared<cTime>(1000));
+    two.stream.AddEvent(0, 0, std::make_shared<cTime>(1000));
+    two.stream.QuickSort(0, 1);
+    EXPECT_EQ(Order(two.stream), (std::vector<Raised>{{0, 0}, {0, kUnset}}));
+
+    // The pivot index is the middle rounded half to even ((1 + 2) / 2 -> 2);
+    // rounding down would give 3, 1, 0, 2.
+    Player four;
+    const int32_t times[] = {2000, 1000, 2000, 1000};
+    for (int32_t i = 0; i < 4; ++i)
+        four.stream.AddEvent(i, kUnset, std::make_shared<cTime>(times[i]));
+    four.stream.QuickSort(0, 3);
+    EXPECT_EQ(Order(four.stream),
+              (std::vector<Raised>{{1, kUnset}, {3, kUnset}, {2, kUnset}, {0, kUnset}}));
+}
+
+// The sort as the program defines it, recursing on both sides.
+void LiteralQuickSort(std::vector<std::pair<int32_t, int32_t>>& a, int32_t low, int32_t high) {
+    if (high <= low) return;
+    int32_t i = low, j = high;
+    const int32_t mid = static_cast<int32_t>(RoundHalfEven((low + high) / 2.0));
+    const int32_t pivot = a[mid].first;
+    while (i <= j) {
+        while (a[i].first < pivot)
+            ++i;
+        while (pivot < a[j].first)
+            --j;
+        if (i <= j) std::swap(a[i++], a[j--]);
+    }
+    LiteralQuickSort(a, low, j);
+    LiteralQuickSort(a, i, high);
+}
+
+TEST(cEventStream, SortMatchesTheRecursiveDefinitionOnManyTies) {
+    std::mt19937 rng(7);
+    for (int round = 0; round < 200; ++round) {
+        const int32_t n = 1 + static_cast<int32_t>(rng() % 300);
+        const int32_t spread = 1 + static_cast<int32_t>(rng() % 20);
+        std::vector<std::pair<int32_t, int32_t>> expected;
+        cEventStream stream{n};
+        for (int32_t i = 0; i < n; ++i) {
+            const int32_t t = static_cast<int32_t>(rng() % spread) * 100;
+            expected.emplace_back(t, i);
+            stream.AddEvent(i, kUnset, std::make_shared<cTime>(t));
+        }
+        LiteralQuickSort(expected, 0, n - 1);
+        stream.QuickSort(0, n - 1);
+        for (int32_t i = 0; i < n; ++i) {
+            ASSERT_EQ(stream.EventLine(i), expected[i].second) << "round " << round << " at " << i;
+        }
+    }
+    // Out-of-range bounds are refused rather than read.
+    cEventStream stream{0};
+    stream.AddEvent(0, kUnset, std::make_shared<cTime>(1));
+    stream.QuickSort(-1, 5);
+    EXPECT_EQ(stream.NumEvents(), 1);
+}
+
+TEST(cEventStream, TimeMixOnlyCompresses) {
+    struct Case {
+        int32_t lyric, track;
+        std::vector<int32_t> after;
+    };
+    const std::vector<int32_t> before = {5, 15, 1000, 200000};
+    const Case cases[] = {
+        {200000, 199950, before},                // difference 50
+        {200000, 180000, {4, 14, 900, 180000}},  // 0.9, halves to even
+        {180000, 200000, before},                // never stretched
+        {200000, -180000, before},               // both must be positive
+        {-400000, 180000, before},
+        {kUnset, 1000, before},
+        {200000, 0, before},
+    };
+    for (const Case& c : cases) {
+        auto lyric = LyricOf(u"[5]a\r\n[15]b\r\n[1000]c\r\n[200000]d");
+        Player p;
+        p.stream.Load(lyric);
+        p.stream.TimeMix(c.lyric, c.track);
+        for (int32_t i = 0; i < 4; ++i) {
+            EXPECT_EQ(p.stream.EventTime(i), c.after[i]) << c.lyric << " " << c.track;
+            // Written back into the lyric itself.
+            EXPECT_EQ(lyric->GetLine(i)->GetTime(0)->Time(), c.after[i]);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace toval::test

@@ -1,0 +1,179 @@
+#include "display/cDisplay.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "fakes/FakeDrawSurface.h"
+#include "fakes/FakeMeasureSurface.h"
+#include "fakes/FakeShell.h"
+#include "lyric/cLyric.h"
+
+namespace toval::test {
+namespace {
+
+using Strings = std::vector<std::string>;
+
+// Colour slots 0..3 hold 100..103, so a painted "/102" reads "slot 2".
+struct Display {
+    cGlobals globals;
+    FakeDrawSurface surface;
+    FakeShell shell;
+    FakeMeasureSurface measure{10, 16};
+    cDisplay display{globals, surface, shell};
+
+    explicit Display(std::u16string_view text =
+                         u"[1000]Title\r\n"
+                         u"[2000]<2000>one <2500>two <3000>three\r\n"
+                         u"[4000]<4000>four <4500>five\r\n"
+                         u"[5000]Tom & Jerry") {
+        globals.Settings.color_Backround = 100;
+        globals.Settings.color_BackText = 101;
+        globals.Settings.color_NormalText = 102;
+        globals.Settings.color_HighlighText = 103;
+        globals.Settings.font_UnderlineTitle = false;
+        display.Load();
+        auto lyric = std::make_shared<cLyric>();
+        lyric->setAuxPictureBox(&measure);
+        lyric->setLoad(text);
+        display.setLyric(lyric);
+        surface.clear();
+    }
+    // The texts that one ChooseText painted.
+    Strings Choose(int32_t line, int32_t word) {
+        surface.clear();
+        display.ChooseText(line, word);
+        EXPECT_EQ(surface.Count(FakeDrawSurface::Kind::Refresh), 1);
+        return surface.Painted();
+    }
+};
+
+TEST(cDisplay, FullRedrawPaintsEveryLineInBackTextAndResetsTheHighlight) {
+    Display d;
+    d.display.ChooseText(1, 0);
+    d.surface.clear();
+    d.display.Redraw();
+    EXPECT_EQ(d.surface.calls.front().kind, FakeDrawSurface::Kind::Blank);
+    EXPECT_EQ(d.surface.calls.front().color, 100);
+    EXPECT_EQ(d.surface.Painted(), (Strings{"Title/101", "one /101", "two /101", "three/101",
+                                            "four /101", "five/101", "Tom & Jerry/101"}));
+    EXPECT_EQ(d.display.CurrentLine(), kUnset);
+    EXPECT_EQ(d.display.CurrentWord(), kUnset);
+}
+
+TEST(cDisplay, ChooseTextRepaintsOnlyWhatChanged) {
+    Display d;
+    // First line: the line in slot 2; no word.
+    EXPECT_EQ(d.Choose(0, kUnset), (Strings{"Title/102"}));
+    // The same event again (a double raise) repaints nothing.
+    EXPECT_EQ(d.Choose(0, kUnset), Strings{});
+    // A karaoke line with its word: old line back to 1, new line in 2, word in 3.
+    EXPECT_EQ(d.Choose(1, 1),
+              (Strings{"Title/101", "one /102", "two /102", "three/102", "two /103"}));
+    // A word change repaints exactly two words.
+    EXPECT_EQ(d.Choose(1, 2), (Strings{"two /102", "three/103"}));
+    EXPECT_EQ(d.Choose(1, 2), Strings{});
+    // Same line, word cleared: the line part runs (back text, then current).
+    EXPECT_EQ(d.Choose(1, kUnset),
+              (Strings{"one /101", "two /101", "three/101", "one /102", "two /102", "three/102"}));
+    EXPECT_EQ(d.display.CurrentWord(), kUnset);
+    EXPECT_EQ(d.Choose(1, 0), (Strings{"one /103"}));
+    // Nothing: the old line goes back to slot 1, nothing is highlighted.
+    EXPECT_EQ(d.Choose(kUnset, kUnset), (Strings{"one /101", "two /101", "three/101"}));
+    EXPECT_EQ(d.display.CurrentLine(), kUnset);
+    EXPECT_EQ(d.Choose(kUnset, kUnset), Strings{});
+}
+
+TEST(cDisplay, EveryRepaintErasesItsBoxAndDrawsUnprefixedCentredText) {
+    Display d;
+    d.Choose(3, kUnset);
+    const auto& calls = d.surface.calls;
+    // Fill (background), colour, underline, text; then the refresh.
+    ASSERT_EQ(calls.size(), 5u);
+    EXPECT_EQ(calls[0].kind, FakeDrawSurface::Kind::Fill);
+    EXPECT_EQ(calls[0].color, 100);
+    EXPECT_EQ(calls[1].kind, FakeDrawSurface::Kind::Color);
+    EXPECT_EQ(calls[2].kind, FakeDrawSurface::Kind::Underline);
+    EXPECT_EQ(calls[3].kind, FakeDrawSurface::Kind::Text);
+    EXPECT_EQ(calls[3].text, u"Tom & Jerry");
+    EXPECT_EQ(calls[3].flags, 2052);
+    EXPECT_EQ(calls[3].rect, calls[0].rect);
+    // 11 characters of 10 px centred under the widest line (13), 16 px high.
+    EXPECT_EQ(calls[3].rect, (cRect{10, 48, 120, 64}));
+
+    // A word's box is the measured prefix of its line.
+    d.Choose(1, 1);
+    const auto& word = d.surface.calls[d.surface.calls.size() - 2];
+    EXPECT_EQ(word.text, u"two ");
+    EXPECT_EQ(word.rect, (cRect{40, 16, 80, 32}));
+}
+
+TEST(cDisplay, UnderlineFollowsTitleAndFontSettings) {
+    Display d;
+    d.globals.Settings.font_UnderlineTitle = true;
+    EXPECT_EQ(d.Choose(0, kUnset), (Strings{"Title/102/u"}));
+    EXPECT_EQ(d.Choose(1, 0),
+              (Strings{"Title/101/u", "one /102", "two /102", "three/102", "one /103"}));
+
+    Display title(u"[1000]<1000>Big <1500>title\r\n[2000]x");
+    title.globals.Settings.font_UnderlineTitle = true;
+    EXPECT_EQ(title.Choose(0, 1), (Strings{"Big /102/u", "title/102/u", "title/103/u"}));
+    EXPECT_EQ(title.Choose(0, 0), (Strings{"title/102/u", "Big /103/u"}));
+
+    Display all;
+    all.globals.Settings.font_Underline = true;
+    EXPECT_EQ(all.Choose(3, kUnset), (Strings{"Tom & Jerry/102/u"}));
+}
+
+TEST(cDisplay, MissingPiecesAreSkippedButTheStateMoves) {
+    Display d;
+    EXPECT_EQ(d.Choose(42, 7), Strings{});
+    EXPECT_EQ(d.display.CurrentLine(), 42);
+    EXPECT_EQ(d.display.CurrentWord(), 7);
+    // Line 3 has no words: word 0 of it is nothing.
+    EXPECT_EQ(d.Choose(3, 0), (Strings{"Tom & Jerry/102"}));
+    EXPECT_EQ(d.display.CurrentWord(), 0);
+
+    // Without a lyric at all.
+    d.display.Clear();
+    EXPECT_EQ(d.Choose(1, 1), Strings{});
+    EXPECT_EQ(d.display.CurrentLine(), 1);
+
+    // A lyric that was never laid out has no boxes to paint into.
+    Display flat;
+    auto lyric = std::make_shared<cLyric>();
+    lyric->setLoad(u"[1000]<1000>a <2000>b");
+    flat.display.setLyric(lyric);
+    EXPECT_EQ(flat.Choose(0, 1), Strings{});
+}
+
+TEST(cDisplay, ClickOpensTheLinkOfALyricThatHasOne) {
+    Display d;
+    std::vector<std::u16string> opened;
+    d.display.onLinkOpened = [&](const std::u16string& url) { opened.push_back(url); };
+    d.display.Click();
+    EXPECT_TRUE(d.shell.links.empty());
+
+    auto notice = std::make_shared<cLyric>();
+    notice->setLoad(u"A new version");
+    notice->setURL(u"http://example.invalid/?page=download");
+    d.display.setLyric(notice);
+    d.display.Click();
+    EXPECT_EQ(d.shell.links,
+              (std::vector<std::u16string>{u"http://example.invalid/?page=download"}));
+    EXPECT_EQ(opened, d.shell.links);
+}
+
+TEST(cDisplay, ModeChangesAreAnnounced) {
+    Display d;
+    std::vector<int32_t> modes;
+    d.display.onWindowChanged = [&](int32_t mode) { modes.push_back(mode); };
+    d.display.setWindow(kModeTray);
+    d.display.setWindow(kModeWindow);
+    EXPECT_EQ(d.display.Window(), kModeWindow);
+    EXPECT_EQ(modes, (std::vector<int32_t>{1, 2}));
+}
+
+}  // namespace
+}  // namespace toval::test
