@@ -1,0 +1,151 @@
+#include "lyric/mFile.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <utility>
+#include <vector>
+
+#include "fakes/TempDir.h"
+
+namespace toval {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A path written with "/" and turned into the platform's separators.
+std::u16string P(std::u16string path) {
+    for (char16_t& c : path) {
+        if (c == u'/') c = kPathSeparator;
+    }
+    return path;
+}
+
+std::string ReadAll(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+void WriteAll(const fs::path& path, const std::string& data) {
+    std::ofstream out(path, std::ios::binary);
+    out << data;
+}
+
+TEST(mFile, LyricFileNamesBelongingToATrack) {
+    const std::vector<std::pair<std::u16string, std::u16string>> base = {
+        {u"", u""},
+        {u"song.mp3", u"song"},
+        {u"a.b.mp3", u"a.b"},
+        {u"noext", u"noext"},
+        {u".mp3", u".mp3"},  // a dot in first place is no extension
+        {u"x.", u"x"},
+        {P(u"/music/song.mp3"), P(u"/music/song")},
+        {P(u"/my.folder/song"), P(u"/my")},  // the search runs into the folder name
+    };
+    for (const auto& [path, expected] : base)
+        EXPECT_EQ(GetBaseAddress(path), expected);
+    EXPECT_EQ(GetTovalAddress(P(u"/m/song.mp3")), P(u"/m/song.tvl"));
+    EXPECT_EQ(GetLyricAddress(P(u"/m/song.mp3")), P(u"/m/song.lrc"));
+    EXPECT_EQ(GetTovalAddress(u"song"), u"song.tvl");
+
+    const std::vector<std::pair<std::u16string, std::u16string>> folder = {
+        {u"", u""},
+        {u"song.mp3", u""},
+        {P(u"/song.mp3"), u""},  // a separator in first place does not count
+        {P(u"music/song.mp3"), P(u"music/")},
+        {P(u"/a/b/song.mp3"), P(u"/a/b/")},
+        {P(u"/a/b/"), P(u"/a/b/")},
+    };
+    for (const auto& [path, expected] : folder)
+        EXPECT_EQ(GetLyricPath(path), expected);
+}
+
+TEST(mFile, ReadFileTakesBytesFromAOneBasedStart) {
+    test::TempDir dir;
+    const std::u16string file = dir.file(u"data.bin");
+    WriteAll(dir.path() / "data.bin", "0123456789");
+    const std::vector<std::tuple<int32_t, int32_t, std::string>> cases = {
+        {1, 0, "0123456789"}, {1, -5, "0123456789"}, {3, 4, "2345"},
+        {8, 100, "789"},      {10, 1, "9"},          {11, 1, ""},
+        {0, 5, ""},           {-3, 0, ""},           {2147483647, 2147483647, ""},
+    };
+    for (const auto& [start, length, expected] : cases) {
+        EXPECT_EQ(ReadFile(file, start, length), expected) << start << " " << length;
+    }
+    EXPECT_EQ(ReadFile(dir.file(u"missing"), 1, 0), "");
+    EXPECT_EQ(ReadFile(u"", 1, 0), "");
+    EXPECT_EQ(ReadFile(dir.folder(), 1, 0), "");
+}
+
+TEST(mFile, SaveFileWritesInPlaceAppendsOrReplaces) {
+    test::TempDir dir;
+    const std::u16string file = dir.file(u"out.bin");
+    const fs::path real = dir.path() / "out.bin";
+
+    EXPECT_TRUE(SaveFile(file, "0123456789", 1, false));  // a new file
+    EXPECT_EQ(ReadAll(real), "0123456789");
+    EXPECT_TRUE(SaveFile(file, "ab", 3, false));  // in place, the rest kept
+    EXPECT_EQ(ReadAll(real), "01ab456789");
+    EXPECT_TRUE(SaveFile(file, "XY", 0, false));  // start below 1 appends
+    EXPECT_EQ(ReadAll(real), "01ab456789XY");
+    EXPECT_TRUE(SaveFile(file, "new", 0, true));  // deleted first: from the beginning
+    EXPECT_EQ(ReadAll(real), "new");
+    EXPECT_TRUE(SaveFile(file, "z", 6, false));  // past the end: the gap is zeros
+    EXPECT_EQ(ReadAll(real), std::string("new\0\0z", 6));
+    EXPECT_TRUE(SaveFile(file, "", 1, true));
+    EXPECT_TRUE(fs::exists(real));
+    EXPECT_EQ(fs::file_size(real), 0u);
+
+    EXPECT_FALSE(SaveFile(dir.file(P(u"no/such/folder.bin")), "x", 1, false));
+    EXPECT_FALSE(SaveFile(u"", "x", 1, false));
+    EXPECT_FALSE(SaveFile(dir.folder(), "x", 1, false));
+    fs::create_directory(dir.path() / "sub");
+    EXPECT_FALSE(SaveFile(dir.file(u"sub"), "x", 1, true));  // killFirst leaves a folder alone
+    EXPECT_TRUE(fs::is_directory(dir.path() / "sub"));
+}
+
+TEST(mFile, TextFilesAreUtf8WithoutAMarkOrInTheCodePage) {
+    test::TempDir dir;
+    const std::u16string file = dir.file(u"lyric \u00E9\u65E5\u672C.tvl");
+    const fs::path real = fs::path(file);
+
+    WriteAll(real, std::string(100, 'x'));
+    EXPECT_TRUE(FileSaveUTF8(file, u"\u00E9t\u00E9 \u20AC"));  // replaces the longer file
+    EXPECT_EQ(ReadAll(real), "\xC3\xA9t\xC3\xA9 \xE2\x82\xAC");
+    EXPECT_EQ(FileRead(file), u"\u00E9t\u00E9 \u20AC");
+
+    WriteAll(real,
+             "\xEF\xBB\xBF"
+             "a\xE9");  // a mark is not looked for; Latin-1 still reads
+    EXPECT_EQ(FileRead(file), u"\uFEFFa\u00E9");
+    EXPECT_EQ(FileRead(dir.file(u"missing.tvl")), u"");
+
+    EXPECT_TRUE(FileSaveAscii(file, u"\u00E9\u20AC\u0100"));
+    EXPECT_EQ(ReadAll(real), "\xE9\x80?");
+    EXPECT_FALSE(FileSaveUTF8(dir.file(P(u"no/file.tvl")), u"x"));
+    EXPECT_FALSE(FileSaveAscii(dir.file(P(u"no/file.ini")), u"x"));
+}
+
+TEST(mFile, ExistsAndKill) {
+    test::TempDir dir;
+    const std::u16string file = dir.file(u"f.txt");
+    EXPECT_FALSE(FileExists(file));
+    EXPECT_FALSE(FileExists(u""));
+    EXPECT_TRUE(FileExists(dir.folder()));  // a folder's attributes can be read too
+    WriteAll(fs::path(file), "x");
+    EXPECT_TRUE(FileExists(file));
+    FileKill(file);
+    EXPECT_FALSE(FileExists(file));
+    FileKill(file);  // already gone: nothing happens
+    FileKill(u"");
+    fs::create_directory(dir.path() / "keep");
+    FileKill(dir.file(u"keep"));
+    EXPECT_TRUE(fs::is_directory(dir.path() / "keep"));
+}
+
+}  // namespace
+}  // namespace toval
