@@ -45,7 +45,7 @@ class cCore {
     // texts: the language text of a message key.
     cCore(cGlobals& globals, Shell& shell, Random& random, std::shared_ptr<iLyricSource> loader,
           std::function<std::u16string(std::u16string_view key)> texts);
-    ~cCore();
+    virtual ~cCore();
     cCore(const cCore&) = delete;
     cCore& operator=(const cCore&) = delete;
 
@@ -60,7 +60,7 @@ class cCore {
     MeasureSurface* AuxPictureBox() const { return auxPictureBox_; }
 
     // The single entry of every plug-in event (codes above; 65 or more ignored).
-    void PluginEvent(int32_t code);
+    virtual void PluginEvent(int32_t code);
     // Stops the timer and forgets the plug-in; first step of the teardown.
     void preClose();
     // Looks the current track up again (after a settings change).
