@@ -1,0 +1,489 @@
+#include "config/cConfig.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "config/cIniEngine.h"
+#include "fakes/FakeShell.h"
+#include "fakes/TempDir.h"
+#include "lyric/mFile.h"
+#include "lyric/mPath.h"
+
+namespace toval::test {
+namespace {
+
+// The real engine, with a record of the keys asked for and written.
+struct RecordingIni : cIniEngine {
+    std::vector<std::string> reads, writes;
+    std::string ReadString(const std::u16string& file, const std::string& section,
+                           const std::string& key, const std::string& def,
+                           size_t bufferSize) override {
+        reads.push_back(key);
+        return cIniEngine::ReadString(file, section, key, def, bufferSize);
+    }
+    bool WriteString(const std::u16string& file, const std::string& section, const std::string& key,
+                     const std::string& value) override {
+        writes.push_back(key);
+        return cIniEngine::WriteString(file, section, key, value);
+    }
+};
+
+class cConfigTest : public ::testing::Test {
+  protected:
+    TempDir dir;
+    FakeShell shell;
+    RecordingIni ini;
+    cGlobals globals;
+
+    cConfigTest() {
+        std::filesystem::create_directories(dir.path() / "appdata");
+        std::filesystem::create_directories(dir.path() / "program");
+        shell.specialFolder = dir.file(u"appdata");
+        globals.ProgramFolder = dir.file(u"program") + kPathSeparator;
+    }
+
+    std::filesystem::path ConfigPath() const {
+        return dir.path() / "appdata" / "Toval" / "config.ini";
+    }
+    void PutConfig(const std::string& lines) {
+        std::filesystem::create_directories(ConfigPath().parent_path());
+        std::ofstream(ConfigPath(), std::ios::binary) << "[toval]\r\n" << lines;
+    }
+    std::string ConfigBytes() const {
+        std::ifstream in(ConfigPath(), std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    }
+    void PutLanguage(const std::string& name, const std::string& content) {
+        std::ofstream(dir.path() / "program" / name, std::ios::binary) << content;
+    }
+};
+
+TEST_F(cConfigTest, AMissingFileLoadsEveryDefaultWithTheWindowsCentred) {
+    shell.screenWidth = 1920 * 15;   // 28800 twips
+    shell.screenHeight = 1081 * 15;  // 16215 twips
+    globals.Settings.font_Name = u"changed";
+    cConfig config(globals, shell, ini);
+    EXPECT_EQ(config.File(),
+              AddPathSeparator(dir.file(u"appdata")) + u"Toval" + kPathSeparator + u"config.ini");
+    EXPECT_EQ(shell.folderQueries, std::vector<int32_t>{kFolderAppData});
+    config.Load(false);
+
+    cSettings expected;
+    expected.pos_WinTop = 7308;        // (16215 - 1600) / 2 = 7307.5, halves to even
+    expected.pos_WinLeft = 12000;      // (28800 - 4800) / 2
+    expected.pos_EditWinTop = 4680;    // (16215 - 6855) / 2
+    expected.pos_EditWinLeft = 10132;  // (28800 - 8535) / 2 = 10132.5, halves to even
+    const cSettings& got = globals.Settings;
+    EXPECT_EQ(got.language_name, expected.language_name);
+    EXPECT_EQ(got.conn_Server, u"lyrics.invalid");
+    EXPECT_EQ(got.font_Name, u"Arial");
+    EXPECT_EQ(got.pos_WinTop, expected.pos_WinTop);
+    EXPECT_EQ(got.pos_WinLeft, expected.pos_WinLeft);
+    EXPECT_EQ(got.pos_EditWinTop, expected.pos_EditWinTop);
+    EXPECT_EQ(got.pos_EditWinLeft, expected.pos_EditWinLeft);
+    EXPECT_EQ(got.size_WinWidth, 4800);
+    EXPECT_EQ(got.size_WinHeight, 1600);
+    EXPECT_EQ(got.color_Backround, 14376228);
+    EXPECT_EQ(got.color_HighlighText, 16643024);
+    EXPECT_EQ(got.effect_Alpha, 220);
+    EXPECT_EQ(got.window_mode, 2);
+    EXPECT_EQ(got.cache_size, 1024);
+    EXPECT_TRUE(got.cache_simple);
+    EXPECT_TRUE(got.font_Bold);
+    EXPECT_FALSE(got.proxy_Enabled);
+    EXPECT_EQ(globals.LanguageFile, globals.ProgramFolder + u"enus.ini");
+    EXPECT_FALSE(std::filesystem::exists(ConfigPath()));
+
+    // A screen smaller than the window gives negative positions, still centred.
+    shell.screenWidth = 4799;
+    config.Load(false);
+    EXPECT_EQ(globals.Settings.pos_WinLeft, 0);  // -0.5 rounds to 0
+    shell.screenWidth = 4797;
+    config.Load(false);
+    EXPECT_EQ(globals.Settings.pos_WinLeft, -2);  // -1.5 rounds to -2
+}
+
+TEST_F(cConfigTest, KeysAreReadInTheirOrderWithTheCacheLast) {
+    cConfig config(globals, shell, ini);
+    config.Load(false);
+    const std::vector<std::string> order = {
+        "language_name",
+        "conn_Server",
+        "proxy_Host",
+        "proxy_Port",
+        "proxy_Enabled",
+        "font_Bold",
+        "font_UnderlineTitle",
+        "font_Italic",
+        "font_Name",
+        "font_Size",
+        "font_Strikethru",
+        "font_Underline",
+        "text_alignment",
+        "color_Backround",
+        "color_BackText",
+        "color_NormalText",
+        "color_HighlighText",
+        "tray_Border",
+        "tray_Refresh",
+        "tray_FastRefresh",
+        "tray_MaxTraySize",
+        "effect_Alpha",
+        "effect_AlwaysOnTop",
+        "timer_PictureRefresh",
+        "timer_TrackPosRefresh",
+        "timer_PlayerStateRefresh",
+        "pos_WinTop",
+        "pos_WinLeft",
+        "size_WinWidth",
+        "size_WinHeight",
+        "pos_EditWinTop",
+        "pos_EditWinLeft",
+        "size_EditWinWidth",
+        "size_EditWinHeight",
+        "edt_AutoImplode",
+        "ply_Attach",
+        "plugin_AutoStart",
+        "window_mode",
+        "version_LastShow",
+        "editmode_splash",
+        "cache_size",
+        "cache_simple",
+    };
+    // language_name, then the language's direction from the language file.
+    ASSERT_GE(ini.reads.size(), 2u);
+    EXPECT_EQ(ini.reads[1], "alignment");
+    ini.reads.erase(ini.reads.begin() + 1);
+    EXPECT_EQ(ini.reads, order);
+    EXPECT_TRUE(ini.writes.empty());
+}
+
+TEST_F(cConfigTest, ValuesThatDoNotConvertLeaveTheirFieldAndLoadingGoesOn) {
+    PutConfig(
+        "font_Size=40000\r\n"
+        "tray_MaxTraySize=-32769\r\n"
+        "effect_Alpha=256\r\n"
+        "tray_Border=abc\r\n"
+        "tray_Refresh=12.5\r\n"
+        "tray_FastRefresh=13.5\r\n"
+        "text_alignment= 2 \r\n"
+        "timer_PictureRefresh=1e2\r\n"
+        "timer_TrackPosRefresh=0x10\r\n"
+        "timer_PlayerStateRefresh=2147483648\r\n"
+        "font_Bold=true\r\n"
+        "font_UnderlineTitle=-1\r\n"
+        "font_Italic=1\r\n"
+        "font_Strikethru=\"1\"\r\n"
+        "font_Underline= 1\r\n"
+        "font_Name=\"Courier New\"\r\n"
+        "color_NormalText=255\r\n"
+        "cache_size=\r\n");
+    globals.Settings.font_Size = 12;
+    globals.Settings.tray_MaxTraySize = 99;
+    globals.Settings.effect_Alpha = 7;
+    globals.Settings.tray_Border = 3;
+    globals.Settings.timer_TrackPosRefresh = 33;
+    globals.Settings.timer_PlayerStateRefresh = 44;
+    globals.Settings.cache_size = 55;
+    cConfig config(globals, shell, ini);
+    config.Load(false);
+    const cSettings& s = globals.Settings;
+    EXPECT_EQ(s.font_Size, 12);
+    EXPECT_EQ(s.tray_MaxTraySize, 99);
+    EXPECT_EQ(s.effect_Alpha, 7);
+    EXPECT_EQ(s.tray_Border, 3);
+    EXPECT_EQ(s.tray_Refresh, 12);
+    EXPECT_EQ(s.tray_FastRefresh, 14);
+    EXPECT_EQ(s.text_alignment, 2);
+    EXPECT_EQ(s.timer_PictureRefresh, 100);
+    EXPECT_EQ(s.timer_TrackPosRefresh, 33);
+    EXPECT_EQ(s.timer_PlayerStateRefresh, 44);
+    EXPECT_FALSE(s.font_Bold);
+    EXPECT_FALSE(s.font_UnderlineTitle);
+    EXPECT_TRUE(s.font_Italic);
+    EXPECT_TRUE(s.font_Strikethru);
+    EXPECT_TRUE(s.font_Underline);
+    EXPECT_EQ(s.font_Name, u"Courier New");
+    EXPECT_EQ(s.color_NormalText, 255);
+    EXPECT_EQ(s.cache_size, 55);
+    EXPECT_TRUE(s.cache_simple);
+}
+
+TEST_F(cConfigTest, WindowModeOtherThanOneOrTwoLoadsAndSavesAsTwo) {
+    struct Case {
+        const char* stored;
+        int16_t loaded;
+    };
+    // A text that does not convert keeps the mode the record held (1 here).
+    const Case cases[] = {{"3", 2}, {"0", 2}, {"-1", 2}, {"1", 1}, {"x", 1}, {"70000", 1}};
+    for (const Case& c : cases) {
+        PutConfig(std::string("window_mode=") + c.stored + "\r\n");
+        globals.Settings.window_mode = 1;
+        cConfig config(globals, shell, ini);
+        config.Load(false);
+        EXPECT_EQ(globals.Settings.window_mode, c.loaded) << c.stored;
+        config.Save(true);
+        EXPECT_NE(ConfigBytes().find("window_mode=" + std::to_string(c.loaded) + "\r\n"),
+                  std::string::npos)
+            << c.stored;
+    }
+    // A mode that is neither 1 nor 2 in the record is not written at all.
+    cConfig config(globals, shell, ini);
+    globals.Settings.window_mode = 0;
+    ini.writes.clear();
+    config.Save(true);
+    EXPECT_EQ(std::count(ini.writes.begin(), ini.writes.end(), "window_mode"), 0);
+    EXPECT_EQ(ini.writes.size(), 11u);
+}
+
+TEST_F(cConfigTest, AnUnusableProxyIsSwitchedOffInTheRecordOnly) {
+    struct Case {
+        const char* lines;
+        bool enabled;
+    };
+    const Case cases[] = {
+        {"proxy_Enabled=1\r\nproxy_Host=proxy\r\nproxy_Port=8080\r\n", true},
+        {"proxy_Enabled=1\r\nproxy_Host=proxy\r\nproxy_Port=1\r\n", true},
+        {"proxy_Enabled=1\r\nproxy_Host=proxy\r\nproxy_Port=65535\r\n", true},
+        {"proxy_Enabled=1\r\nproxy_Host=proxy\r\n", true},
+        {"proxy_Enabled=1\r\nproxy_Host=proxy\r\nproxy_Port=0\r\n", false},
+        {"proxy_Enabled=1\r\nproxy_Host=proxy\r\nproxy_Port=65536\r\n", false},
+        {"proxy_Enabled=1\r\nproxy_Host=proxy\r\nproxy_Port=-80\r\n", false},
+        {"proxy_Enabled=1\r\nproxy_Host=\r\nproxy_Port=8080\r\n", false},
+        {"proxy_Enabled=1\r\nproxy_Port=8080\r\n", false},
+        {"proxy_Enabled=0\r\nproxy_Host=proxy\r\nproxy_Port=8080\r\n", false},
+    };
+    for (const Case& c : cases) {
+        PutConfig(c.lines);
+        globals.Settings = cSettings{};
+        cConfig config(globals, shell, ini);
+        config.Load(false);
+        EXPECT_EQ(globals.Settings.proxy_Enabled, c.enabled) << c.lines;
+        EXPECT_EQ(ConfigBytes(), std::string("[toval]\r\n") + c.lines);
+    }
+}
+
+TEST_F(cConfigTest, LanguageOnlyLoadTouchesTheLanguageAlone) {
+    PutConfig("language_name=heil\r\nfont_Name=Tahoma\r\ncache_size=5\r\n");
+    PutLanguage("heil.ini", "[info]\r\nalignment=1\r\n");
+    cConfig config(globals, shell, ini);
+    config.Load(true);
+    EXPECT_EQ(ini.reads, (std::vector<std::string>{"language_name", "alignment"}));
+    EXPECT_EQ(globals.Settings.language_name, u"heil");
+    EXPECT_EQ(globals.LanguageFile, globals.ProgramFolder + u"heil.ini");
+    EXPECT_TRUE(globals.RightToLeft);
+    EXPECT_EQ(globals.Settings.font_Name, u"Arial");
+    EXPECT_EQ(globals.Settings.cache_size, 1024);
+}
+
+TEST_F(cConfigTest, SaveWritesOneGroupInItsOrder) {
+    cConfig config(globals, shell, ini);
+    config.Load(false);
+    config.Save(true);
+    EXPECT_EQ(ini.writes,
+              (std::vector<std::string>{
+                  "pos_WinTop", "pos_WinLeft", "size_WinWidth", "size_WinHeight", "pos_EditWinTop",
+                  "pos_EditWinLeft", "size_EditWinWidth", "size_EditWinHeight", "edt_AutoImplode",
+                  "window_mode", "effect_AlwaysOnTop", "ply_Attach"}));
+    ini.writes.clear();
+    ini.reads.clear();
+    config.Save(false);
+    EXPECT_EQ(ini.writes, (std::vector<std::string>{"conn_Server",
+                                                    "proxy_Host",
+                                                    "proxy_Port",
+                                                    "proxy_Enabled",
+                                                    "font_Bold",
+                                                    "font_UnderlineTitle",
+                                                    "font_Italic",
+                                                    "font_Name",
+                                                    "font_Size",
+                                                    "font_Strikethru",
+                                                    "font_Underline",
+                                                    "text_alignment",
+                                                    "color_Backround",
+                                                    "color_BackText",
+                                                    "color_NormalText",
+                                                    "color_HighlighText",
+                                                    "tray_Border",
+                                                    "tray_Refresh",
+                                                    "tray_FastRefresh",
+                                                    "tray_MaxTraySize",
+                                                    "effect_Alpha",
+                                                    "timer_PictureRefresh",
+                                                    "timer_TrackPosRefresh",
+                                                    "timer_PlayerStateRefresh",
+                                                    "language_name",
+                                                    "cache_size",
+                                                    "cache_simple",
+                                                    "plugin_AutoStart"}));
+    // Writing the language name loads the language again.
+    EXPECT_EQ(ini.reads, std::vector<std::string>{"alignment"});
+}
+
+TEST_F(cConfigTest, EverySettingSurvivesSaveAndLoad) {
+    cConfig config(globals, shell, ini);
+    config.Load(false);
+    cSettings& s = globals.Settings;
+    s.conn_Server = u"lyrics.example";
+    s.proxy_Host = u"proxy.lan";
+    s.proxy_Port = 3128;
+    s.proxy_Enabled = true;
+    s.font_Bold = false;
+    s.font_UnderlineTitle = false;
+    s.font_Italic = true;
+    s.font_Name = u"Caf\u00e9 Sans \u2603";
+    s.font_Size = -32768;
+    s.font_Strikethru = true;
+    s.font_Underline = true;
+    s.text_alignment = 1;
+    s.color_Backround = 1;
+    s.color_BackText = 2;
+    s.color_NormalText = 3;
+    s.color_HighlighText = -1;
+    s.tray_Border = 4;
+    s.tray_Refresh = 5;
+    s.tray_FastRefresh = 6;
+    s.tray_MaxTraySize = 32767;
+    s.effect_Alpha = 255;
+    s.effect_AlwaysOnTop = false;
+    s.timer_PictureRefresh = 7;
+    s.timer_TrackPosRefresh = 8;
+    s.timer_PlayerStateRefresh = INT32_MIN;
+    s.pos_WinTop = -10;
+    s.pos_WinLeft = 11;
+    s.size_WinWidth = 12;
+    s.size_WinHeight = 13;
+    s.pos_EditWinTop = 14;
+    s.pos_EditWinLeft = 15;
+    s.size_EditWinWidth = 16;
+    s.size_EditWinHeight = INT32_MAX;
+    s.edt_AutoImplode = true;
+    s.ply_Attach = false;
+    s.plugin_AutoStart = false;
+    s.window_mode = 1;
+    s.cache_size = 17;
+    s.cache_simple = false;
+    PutLanguage("heil.ini", "[info]\r\nalignment=1\r\n");
+    globals.LanguageFile = globals.ProgramFolder + u"heil.ini";
+    config.Save(false);
+    config.Save(true);
+    EXPECT_TRUE(globals.RightToLeft);
+
+    cSettings saved = s;
+    // Characters outside the 8-bit code page do not survive the file.
+    saved.font_Name = u"Caf\u00e9 Sans ?";
+    cGlobals fresh;
+    fresh.ProgramFolder = globals.ProgramFolder;
+    cConfig again(fresh, shell, ini);
+    again.Load(false);
+    const cSettings& t = fresh.Settings;
+    EXPECT_EQ(t.language_name, u"heil");
+    EXPECT_EQ(t.conn_Server, saved.conn_Server);
+    EXPECT_EQ(t.proxy_Host, saved.proxy_Host);
+    EXPECT_EQ(t.proxy_Port, saved.proxy_Port);
+    EXPECT_EQ(t.proxy_Enabled, saved.proxy_Enabled);
+    EXPECT_EQ(t.font_Bold, saved.font_Bold);
+    EXPECT_EQ(t.font_UnderlineTitle, saved.font_UnderlineTitle);
+    EXPECT_EQ(t.font_Italic, saved.font_Italic);
+    EXPECT_EQ(t.font_Name, saved.font_Name);
+    EXPECT_EQ(t.font_Size, saved.font_Size);
+    EXPECT_EQ(t.font_Strikethru, saved.font_Strikethru);
+    EXPECT_EQ(t.font_Underline, saved.font_Underline);
+    EXPECT_EQ(t.text_alignment, saved.text_alignment);
+    EXPECT_EQ(t.color_Backround, saved.color_Backround);
+    EXPECT_EQ(t.color_BackText, saved.color_BackText);
+    EXPECT_EQ(t.color_NormalText, saved.color_NormalText);
+    EXPECT_EQ(t.color_HighlighText, saved.color_HighlighText);
+    EXPECT_EQ(t.tray_Border, saved.tray_Border);
+    EXPECT_EQ(t.tray_Refresh, saved.tray_Refresh);
+    EXPECT_EQ(t.tray_FastRefresh, saved.tray_FastRefresh);
+    EXPECT_EQ(t.tray_MaxTraySize, saved.tray_MaxTraySize);
+    EXPECT_EQ(t.effect_Alpha, saved.effect_Alpha);
+    EXPECT_EQ(t.effect_AlwaysOnTop, saved.effect_AlwaysOnTop);
+    EXPECT_EQ(t.timer_PictureRefresh, saved.timer_PictureRefresh);
+    EXPECT_EQ(t.timer_TrackPosRefresh, saved.timer_TrackPosRefresh);
+    EXPECT_EQ(t.timer_PlayerStateRefresh, saved.timer_PlayerStateRefresh);
+    EXPECT_EQ(t.pos_WinTop, saved.pos_WinTop);
+    EXPECT_EQ(t.pos_WinLeft, saved.pos_WinLeft);
+    EXPECT_EQ(t.size_WinWidth, saved.size_WinWidth);
+    EXPECT_EQ(t.size_WinHeight, saved.size_WinHeight);
+    EXPECT_EQ(t.pos_EditWinTop, saved.pos_EditWinTop);
+    EXPECT_EQ(t.pos_EditWinLeft, saved.pos_EditWinLeft);
+    EXPECT_EQ(t.size_EditWinWidth, saved.size_EditWinWidth);
+    EXPECT_EQ(t.size_EditWinHeight, saved.size_EditWinHeight);
+    EXPECT_EQ(t.edt_AutoImplode, saved.edt_AutoImplode);
+    EXPECT_EQ(t.ply_Attach, saved.ply_Attach);
+    EXPECT_EQ(t.plugin_AutoStart, saved.plugin_AutoStart);
+    EXPECT_EQ(t.window_mode, saved.window_mode);
+    EXPECT_EQ(t.cache_size, saved.cache_size);
+    EXPECT_EQ(t.cache_simple, saved.cache_simple);
+    EXPECT_TRUE(fresh.RightToLeft);
+}
+
+TEST_F(cConfigTest, TheLanguageNameIsSavedOnlyFromAPathWithFolderAndExtension) {
+    const std::u16string sep(1, kPathSeparator);
+    struct Case {
+        std::u16string path;
+        std::u16string written;  // empty: language_name is not written
+    };
+    const Case cases[] = {
+        {sep + u"lang" + sep + u"dede.ini", u"dede"},
+        {sep + u"lang.d" + sep + u"frfr.x.ini", u"frfr.x"},
+        {sep + u"lang.d" + sep + u"noext", u""},
+        {u"plain.ini", u""},
+        {u"", u""},
+    };
+    for (const Case& c : cases) {
+        std::filesystem::remove(ConfigPath());
+        ini.writes.clear();
+        cConfig config(globals, shell, ini);
+        globals.LanguageFile = c.path;
+        config.Save(false);
+        const bool written =
+            std::find(ini.writes.begin(), ini.writes.end(), "language_name") != ini.writes.end();
+        EXPECT_EQ(written, !c.written.empty());
+        if (written) {
+            EXPECT_EQ(config.Language().GetValue(u"info", u"name"), u"");
+            cIniEngine plain;
+            EXPECT_EQ(plain.ReadString(config.File(), "toval", "language_name", "-", 1024),
+                      std::string(c.written.begin(), c.written.end()));
+        }
+    }
+}
+
+TEST_F(cConfigTest, SplashFlagAndShownVersionGoToTheFileOnEveryAccess) {
+    cConfig config(globals, shell, ini);
+    EXPECT_TRUE(config.editModeSplash());
+    EXPECT_EQ(config.lastUpdateVersion(), 0);
+
+    PutConfig("editmode_splash=0\r\nversion_LastShow=131\r\n");
+    EXPECT_FALSE(config.editModeSplash());
+    EXPECT_EQ(config.lastUpdateVersion(), 131);
+
+    config.setEditModeSplash(true);
+    config.setLastUpdateVersion(140);
+    const std::string bytes = ConfigBytes();
+    EXPECT_NE(bytes.find("editmode_splash=1\r\n"), std::string::npos);
+    EXPECT_NE(bytes.find("version_LastShow=140\r\n"), std::string::npos);
+    PutConfig("editmode_splash=yes\r\nversion_LastShow=junk\r\n");
+    EXPECT_FALSE(config.editModeSplash());
+    EXPECT_EQ(config.lastUpdateVersion(), 0);
+}
+
+TEST_F(cConfigTest, WithoutASpecialFolderTheProgramFolderHoldsTheFile) {
+    shell.specialFolder.clear();
+    cConfig config(globals, shell, ini);
+    EXPECT_EQ(config.File(), globals.ProgramFolder + u"config.ini");
+    globals.Settings.font_Name = u"Verdana";
+    config.Save(false);
+    EXPECT_TRUE(std::filesystem::exists(dir.path() / "program" / "config.ini"));
+}
+
+}  // namespace
+}  // namespace toval::test

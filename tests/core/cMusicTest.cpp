@@ -1,0 +1,140 @@
+#include "core/cMusic.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "fakes/TempDir.h"
+
+namespace toval::test {
+namespace {
+
+TEST(cMusic, DurationRoundsHalvesToEvenAndWritesWrapAround) {
+    const std::pair<int32_t, int32_t> reads[] = {
+        {1500, 2},          {2500, 2},   {3500, 4}, {1499, 1},
+        {-1500, -2},        {-2500, -2}, {0, 0},    {INT32_MAX, 2147484},
+        {kUnset, -2147484},
+    };
+    cMusic music;
+    for (const auto& [ms, seconds] : reads) {
+        music.setMiliDuration(ms);
+        EXPECT_EQ(music.Duration(), seconds) << ms;
+    }
+    music.setDuration(215);
+    EXPECT_EQ(music.MiliDuration(), 215000);
+    music.setDuration(2147484);  // 2147484000 does not fit: wraps
+    EXPECT_EQ(music.MiliDuration(), -2147483296);
+    music.setDuration(-2147484);
+    EXPECT_EQ(music.MiliDuration(), 2147483296);
+}
+
+TEST(cMusic, ResetLeavesZeroMillisecondsFromTheWrappedUnknownLength) {
+    cMusic music;
+    music.setTitle(u"T");
+    music.setArtist(u"A");
+    music.setAlbum(u"L");
+    music.setMiliDuration(1234);
+    music.setID(5);
+    music.setFileSize(6);
+    music.Reset();
+    EXPECT_EQ(music.Title(), u"");
+    EXPECT_EQ(music.Artist(), u"");
+    EXPECT_EQ(music.Album(), u"");
+    EXPECT_EQ(music.MiliDuration(), 0);
+    EXPECT_EQ(music.Duration(), 0);
+    EXPECT_EQ(music.ID(), kUnset);
+    EXPECT_EQ(music.FileSize(), 6);
+
+    const cMusic fresh;
+    EXPECT_EQ(fresh.MiliDuration(), 0);
+    EXPECT_EQ(fresh.ID(), kUnset);
+}
+
+TEST(cMusic, TheIdentifierSumsCodePageBytesTimesPositionsIn16Bits) {
+    EXPECT_EQ(cMusic::ComputeID(u""), kUnset);
+    EXPECT_EQ(cMusic::ComputeID(u"ab"), -2147483355);
+    // Characters outside the code page count as "?"; the euro sign is byte 128.
+    EXPECT_EQ(cMusic::ComputeID(u"\u0416"), kUnset + 63);
+    EXPECT_EQ(cMusic::ComputeID(u"\u20ac"), kUnset + 128);
+    EXPECT_EQ(cMusic::ComputeID(u"\U0001F3B5"), kUnset + 63 + 2 * 63);
+    // 128 "a" and then "\u00ff" at position 129: 255 * 129 = 32895 wraps to -32641.
+    std::u16string path(128, u'a');
+    path += u'\u00ff';
+    EXPECT_EQ(cMusic::ComputeID(path), -2147483648LL + 97 * 8256 - 32641);
+    // A path long enough for positions past 65535 keeps every term in 16 bits.
+    const std::u16string longPath(70000, u'\u00ff');
+    int64_t expected = kUnset;
+    for (int64_t i = 1; i <= 70000; ++i) {
+        expected += static_cast<int16_t>(static_cast<uint16_t>((255 * i) & 0xFFFF));
+    }
+    EXPECT_EQ(cMusic::ComputeID(longPath), static_cast<int32_t>(expected));
+}
+
+TEST(cMusic, FileAddressMeasuresTheFileOnEveryWriteAndKeepsTheIdOfAnEqualPath) {
+    TempDir dir;
+    const std::u16string path = dir.file(u"track.mp3");
+    std::ofstream(std::filesystem::path(path), std::ios::binary) << "12345";
+
+    cMusic music;
+    music.setFileAddress(path);
+    EXPECT_EQ(music.FileAddress(), path);
+    EXPECT_EQ(music.ID(), cMusic::ComputeID(path));
+    EXPECT_EQ(music.FileSize(), 5);
+
+    std::ofstream(std::filesystem::path(path), std::ios::binary) << "123456789";
+    music.setID(7);
+    music.setFileAddress(path);
+    EXPECT_EQ(music.ID(), 7);
+    EXPECT_EQ(music.FileSize(), 9);
+
+    // A path that differs only in case is another path.
+    const std::u16string other = dir.file(u"TRACK.mp3");
+    music.setFileAddress(other);
+    EXPECT_EQ(music.ID(), cMusic::ComputeID(other));
+    EXPECT_NE(music.ID(), 7);
+
+    // Missing files and folders cannot be measured: the size stays.
+    music.setFileAddress(dir.file(u"gone.mp3"));
+    EXPECT_EQ(music.FileSize(), 9);
+    music.setFileAddress(dir.folder());
+    EXPECT_EQ(music.FileSize(), 9);
+    music.setFileAddress(u"");
+    EXPECT_EQ(music.FileSize(), 9);
+    EXPECT_EQ(music.ID(), kUnset);
+}
+
+TEST(cMusic, DescriptiveTexts) {
+    cMusic music;
+    music.setFileAddress(u"/music/x.mp3");
+    EXPECT_EQ(music.MusicTitle(), u"/music/x.mp3");
+    EXPECT_EQ(music.IDTag(), u"[re:Toval]\r\n[ve:1.3.1]\r\n");
+    EXPECT_FALSE(music.IsValid());
+
+    music.setTitle(u"Caf\u00e9");
+    EXPECT_EQ(music.MusicTitle(), u"Caf\u00e9");
+    EXPECT_TRUE(music.IsValidTitle());
+    EXPECT_FALSE(music.IsValid());
+    music.setTitle(u"");
+    music.setArtist(u"Art");
+    EXPECT_EQ(music.MusicTitle(), u"Art");
+    EXPECT_EQ(music.IDTag(), u"[ar:Art]\r\n[re:Toval]\r\n[ve:1.3.1]\r\n");
+    music.setTitle(u"Caf\u00e9");
+    EXPECT_EQ(music.MusicTitle(), u"Art - Caf\u00e9");
+    EXPECT_TRUE(music.IsValid());
+
+    music.setAlbum(u"Al bum");
+    music.setMiliDuration(215500);
+    EXPECT_EQ(music.Info(), "Art Al bum Caf\xc3\xa9 216");
+    EXPECT_EQ(music.InfoW(), u"Art - Al bum - Caf\u00e9 - 216");
+    EXPECT_EQ(music.IDTag(),
+              u"[al:Al bum]\r\n[ar:Art]\r\n[ti:Caf\u00e9]\r\n[re:Toval]\r\n[ve:1.3.1]\r\n");
+
+    cMusic empty;
+    EXPECT_EQ(empty.Info(), "   0");
+    EXPECT_EQ(empty.InfoW(), u" -  -  - 0");
+}
+
+}  // namespace
+}  // namespace toval::test
