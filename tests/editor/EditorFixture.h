@@ -1,0 +1,81 @@
+// A editor on a fake window, a fixed-width measuring surface, a scripted
+// random source and a manual preview timer; the track being edited is the
+// one playing unless a test says otherwise.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "config/cSettings.h"
+#include "core/cMusic.h"
+#include "editor/cEditor.h"
+#include "fakes/FakeEditorView.h"
+#include "fakes/FakeMeasureSurface.h"
+#include "fakes/FakeRandom.h"
+#include "fakes/FakeTimer.h"
+#include "lyric/cLyric.h"
+#include "lyric/cLyricLine.h"
+#include "lyric/cLyricWord.h"
+#include "lyric/cTime.h"
+
+namespace toval::test {
+
+// Language texts: the key itself in brackets, so a test sees which key was used.
+inline std::u16string KeyText(std::u16string_view key) {
+    return u"{" + std::u16string(key) + u"}";
+}
+
+class EditorTest : public ::testing::Test {
+  protected:
+    EditorTest() : random({0.25, 0.5, 0.75}), editor(globals, random, KeyText) {
+        globals.Settings.editmode_splash = false;
+        music.setArtist(u"Artist");
+        music.setTitle(u"Song");
+        music.setID(4242);
+        globals.TrackID = 4242;
+        editor.setView(&view);
+        editor.setAuxPictureBox(&measure);
+        editor.setStreamTimer(&timer);
+    }
+
+    // Opens the window and goes to the timing step with the text.
+    void StartTiming(const std::u16string& text) {
+        editor.Form_Load(music);
+        editor.txtEdit_Change(text);
+        editor.cmdNext_Click();
+    }
+
+    // Times: the line's own and, per word, the word's.
+    std::shared_ptr<cLyricLine> Line(int32_t l) { return editor.Lyric()->GetLine(l); }
+    std::shared_ptr<cLyricWord> Word(int32_t l, int32_t w) { return Line(l)->GetWord(w); }
+    static std::vector<int32_t> Times(const std::shared_ptr<cLyricWord>& e) {
+        std::vector<int32_t> out;
+        for (int32_t i = 0; i < e->GetTimeSize(); ++i)
+            out.push_back(e->GetTime(i)->Time());
+        return out;
+    }
+    static std::vector<int32_t> Times(const std::shared_ptr<cLyricLine>& e) {
+        std::vector<int32_t> out;
+        for (int32_t i = 0; i < e->GetTimeSize(); ++i)
+            out.push_back(e->GetTime(i)->Time());
+        return out;
+    }
+
+    // Presses a key with the player at a position.
+    void Press(int32_t key, int32_t position) {
+        globals.PlayPosition = position;
+        editor.pb_Main_KeyDown(key, 0);
+    }
+
+    cGlobals globals;
+    FakeRandom random;
+    FakeMeasureSurface measure{10, 16};
+    FakeTimer timer;
+    FakeEditorView view;
+    cMusic music;
+    cEditor editor;
+};
+
+}  // namespace toval::test

@@ -1,0 +1,96 @@
+// Blocks of non-empty lines and the folding of repeated blocks into their
+// first copy.
+#include "EditorFixture.h"
+
+namespace toval::test {
+namespace {
+
+class FoldTest : public EditorTest {
+  protected:
+    void Load(const std::u16string& records) { editor.Lyric()->setLoad(records); }
+    std::vector<std::tuple<int32_t, int32_t, int32_t>> Blocks() {
+        std::vector<std::tuple<int32_t, int32_t, int32_t>> out;
+        const auto blocks = editor.getBlocks();
+        for (const auto& b : blocks) {
+            EXPECT_EQ(b->WordCount(), 0);
+            out.emplace_back(b->StartLine(), b->EndLine(), b->LineCount());
+        }
+        return out;
+    }
+};
+
+using Triples = std::vector<std::tuple<int32_t, int32_t, int32_t>>;
+
+TEST_F(FoldTest, BlocksAreRunsOfNonEmptyLines) {
+    Load(u"[]a\r\n");
+    EXPECT_EQ(Blocks(), Triples{});  // one line: no blocks at all
+    Load(u"[]a\r\n[]b\r\n[]c\r\n");
+    EXPECT_EQ(Blocks(), (Triples{{0, 2, 3}}));
+    Load(u"[]a\r\n[]b\r\n[]\r\n[]c\r\n");
+    EXPECT_EQ(Blocks(), (Triples{{0, 1, 2}, {3, 3, 1}}));
+    // An empty first line and two empty lines in a row close zero-line blocks.
+    Load(u"[]\r\n[]a\r\n[] \r\n[]\r\n[]b\r\n");
+    EXPECT_EQ(Blocks(), (Triples{{0, -1, 0}, {1, 1, 1}, {3, 2, 0}, {4, 4, 1}}));
+    // A trailing empty line closes the last block and opens none.
+    Load(u"[]a\r\n[]\r\n");
+    EXPECT_EQ(Blocks(), (Triples{{0, 0, 1}}));
+}
+
+TEST_F(FoldTest, SimilarityComparesLineTextsAndWordCountsNotTimes) {
+    Load(u"[]<>la <>la\r\n[]\r\n[1]<5>la <9>la\r\n[]\r\n[]<>La <>la\r\n[]\r\n[]<>la la\r\n");
+    const auto blocks = editor.getBlocks();
+    ASSERT_EQ(blocks.Size(), 4);
+    EXPECT_TRUE(editor.blSimilarBlocks(*blocks.Element(0), *blocks.Element(1)));
+    EXPECT_FALSE(editor.blSimilarBlocks(*blocks.Element(0), *blocks.Element(2)));  // case
+    EXPECT_FALSE(editor.blSimilarBlocks(*blocks.Element(0), *blocks.Element(3)));  // words
+}
+
+TEST_F(FoldTest, RepeatedChorusFoldsIntoItsFirstCopy) {
+    // verse, chorus, verse2, chorus, chorus: the last chorus goes into the
+    // second, which then goes with both into the first.
+    Load(
+        u"[100]<110>v1\r\n[]\r\n"
+        u"[200]<210>ch <220>us\r\n[300]<310>end\r\n[]\r\n"
+        u"[400]<410>v2\r\n[]\r\n"
+        u"[500]<510>ch <520>us\r\n[600]<610>end\r\n[]\r\n"
+        u"[700]<710>ch <720>us\r\n[800]<810>end\r\n");
+    editor.implodeToval();
+    const auto lyric = editor.Lyric();
+    // v1, -, chorus (2 lines), -, v2, and the empty line the deleted copies
+    // left behind.
+    ASSERT_EQ(lyric->GetLineSize(), 7);
+    EXPECT_TRUE(Line(6)->IsEmpty());
+    EXPECT_EQ(Times(Line(2)), (std::vector<int32_t>{200, 500, 700}));
+    EXPECT_EQ(Times(Word(2, 0)), (std::vector<int32_t>{210, 510, 710}));
+    EXPECT_EQ(Times(Word(2, 1)), (std::vector<int32_t>{220, 520, 720}));
+    EXPECT_EQ(Times(Line(3)), (std::vector<int32_t>{300, 600, 800}));
+    EXPECT_EQ(Times(Word(3, 0)), (std::vector<int32_t>{310, 610, 810}));
+    EXPECT_EQ(Line(5)->Text(), u"v2");
+    EXPECT_TRUE(Line(4)->IsEmpty());
+    // The times are copies, not the later copy's objects.
+    EXPECT_NE(Line(2)->GetTime(1), nullptr);
+    // Laid out again on the editor's surface.
+    EXPECT_EQ(lyric->AuxPictureBox(), &measure);
+    EXPECT_EQ(Line(5)->Delta()->Initial()->Y(), 5 * 16);
+}
+
+TEST_F(FoldTest, CaseDifferencesAndSingleBlocksStay) {
+    Load(u"[1]a\r\n[2]b\r\n");
+    editor.implodeToval();
+    EXPECT_EQ(editor.Lyric()->GetLineSize(), 2);
+    Load(u"[1]<1>Oh\r\n[]\r\n[2]<2>oh\r\n");
+    editor.implodeToval();
+    EXPECT_EQ(editor.Lyric()->GetLineSize(), 3);
+}
+
+TEST_F(FoldTest, RunsOfEmptyLinesCollapse) {
+    Load(u"[]\r\n[]\r\n[]a\r\n[]\r\n[] \r\n[]\r\n[]b\r\n[]\r\n[]\r\n");
+    editor.implodeToval();
+    std::u16string texts;
+    for (int32_t i = 0; i < editor.Lyric()->GetLineSize(); ++i)
+        texts += Line(i)->Text() + u"|";
+    EXPECT_EQ(texts, u"|a||b||");
+}
+
+}  // namespace
+}  // namespace toval::test

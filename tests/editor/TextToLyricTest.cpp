@@ -1,0 +1,111 @@
+// Plain text to lyric: the separator set, lines split at CR LF, words and
+// separators as words of their own, right-to-left runs, and the deliberate
+// losses of a one-character tail.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "config/cSettings.h"
+#include "editor/cEditor.h"
+#include "fakes/FakeRandom.h"
+#include "lyric/cLyric.h"
+#include "lyric/cLyricLine.h"
+
+namespace toval::test {
+namespace {
+
+struct TextEditor {
+    cGlobals globals;
+    FakeRandom random;
+    cEditor editor{globals, random};
+};
+
+TEST(TextToLyric, SeparatorSetHoldsExactlyTheFortyFiveCharacters) {
+    TextEditor t;
+    const std::u16string separators =
+        u"\uFF0C\uFF0F\uFF1A !\"#&()*+,-./:;=?@\\{|}\u1680\u180E"
+        u"\u2000\u2001\u2002\u2003\u2004\u2005\u2006\u2007\u2008\u2009\u200A"
+        u"\u201C\u201D\u2028\u205F\u3000\u3001\u3002";
+    ASSERT_EQ(separators.size(), 45u);
+    EXPECT_EQ(t.editor.SepCount(), 45);
+    for (const char16_t c : separators)
+        EXPECT_EQ(t.editor.findSepChar(static_cast<int16_t>(c)), static_cast<int16_t>(c))
+            << "U+" << std::hex << static_cast<int>(c);
+    // Word characters: the apostrophes, tab, underscore, $ % ~ ^, brackets,
+    // letters, and the neighbours of every separator range.
+    const std::u16string word =
+        u"'\u2019\t_$%~^[]<>aZ09\u0000\u001F\u2027\u200B\u3003\uFF0B\uFFFF\u8000";
+    for (const char16_t c : word)
+        EXPECT_EQ(t.editor.findSepChar(static_cast<int16_t>(c)), kNoSep)
+            << "U+" << std::hex << static_cast<int>(c);
+    // Every 16-bit value: the halving search agrees with a plain scan.
+    int found = 0;
+    for (int32_t v = -32768; v <= 32767; ++v) {
+        const auto code = static_cast<int16_t>(v);
+        const bool member = separators.find(static_cast<char16_t>(code)) != std::u16string::npos;
+        if (t.editor.findSepChar(code) != kNoSep) ++found;
+        ASSERT_EQ(t.editor.findSepChar(code) == code && code != kNoSep, member) << v;
+    }
+    EXPECT_EQ(found, 45);
+}
+
+TEST(TextToLyric, LinesAndTheirEndings) {
+    TextEditor t;
+    const std::vector<std::pair<std::u16string, std::u16string>> cases = {
+        {u"", u""},
+        {u"a", u""},  // one character: nothing
+        {u"ab", u"[]<>ab\r\n"},
+        {u"ab\r\nc", u"[]<>ab\r\n"},  // a last line of one character is dropped
+        {u"ab\r\ncd", u"[]<>ab\r\n[]<>cd\r\n"},
+        {u"ab\r\n", u"[]<>ab\r\n"},
+        {u"\r\n\r\nab", u"[]\r\n[]\r\n[]<>ab\r\n"},
+        {u"ab\ncd", u"[]<>ab\ncd\r\n"},  // a lone LF stays inside the line
+        {u"Hello, world", u"[]<>Hello<>,<> <>world\r\n"},
+        {u" Hi", u"[]<> <>Hi\r\n"},
+        {u"a  b", u"[]<>a<> <> \r\n"},
+        {u"ab c", u"[]<>ab<> \r\n"},
+        {u"don't stop", u"[]<>don't<> <>stop\r\n"},
+        {u"well-known", u"[]<>well<>-<>known\r\n"},
+        {u"x,,yy", u"[]<>x<>,<>,<>yy\r\n"},
+        {u"ab,", u"[]<>ab<>,\r\n"},
+        {u",,", u"[]<>,<>,\r\n"},
+        {u"tab\there", u"[]<>tab\there\r\n"},
+        {u"\u3000\u4F60\u597D\u3002", u"[]<>\u3000<>\u4F60\u597D<>\u3002\r\n"},
+    };
+    for (const auto& [text, expected] : cases)
+        EXPECT_EQ(t.editor.textToLyric(text), expected) << std::string(text.begin(), text.end());
+}
+
+TEST(TextToLyric, RightToLeftRunsComeOutReversed) {
+    TextEditor t;
+    const std::u16string a = u"\u05D0\u05D1", b = u"\u05D2\u05D3", c = u"\u05D4\u05D5";
+    // Three Hebrew words: reverse order, each blank kept next to the word it
+    // followed.
+    EXPECT_EQ(t.editor.wordSep(a + u" " + b + u" " + c, u"<>"),
+              u"<>" + c + u"<> <>" + b + u"<> <>" + a);
+    // A left-to-right word closes the run; the blank before it closes the run too.
+    EXPECT_EQ(t.editor.wordSep(a + u" " + b + u" xy", u"<>"),
+              u"<>" + b + u"<> <>" + a + u"<> <>xy");
+    // A run after a left-to-right word: the separator between stays in front.
+    EXPECT_EQ(t.editor.wordSep(u"xy " + a + u" " + b, u"<>"), u"<>xy<> <>" + b + u"<> <>" + a);
+    // Two separators inside a run.
+    EXPECT_EQ(t.editor.wordSep(a + u", " + b, u"<>"), u"<>" + b + u"<> <>,<>" + a);
+    // A trailing separator after a run comes last.
+    EXPECT_EQ(t.editor.wordSep(a + u" " + b + u".", u"<>"), u"<>" + b + u"<> <>" + a + u"<>.");
+}
+
+TEST(TextToLyric, ResultLoadsAsUntimedWords) {
+    TextEditor t;
+    cLyric lyric;
+    lyric.setLoad(t.editor.textToLyric(u"Hello, world\r\n\r\nsecond line here"));
+    ASSERT_EQ(lyric.GetLineSize(), 3);
+    EXPECT_EQ(lyric.GetLine(0)->GetWordSize(), 4);  // Hello , blank world
+    EXPECT_EQ(lyric.GetLine(0)->Text(), u"Hello, world");
+    EXPECT_TRUE(lyric.GetLine(1)->IsEmpty());
+    EXPECT_EQ(lyric.GetLine(2)->TextRebuild(), u"second line here");
+    EXPECT_TRUE(lyric.Simple());
+}
+
+}  // namespace
+}  // namespace toval::test
