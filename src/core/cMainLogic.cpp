@@ -53,8 +53,7 @@ uint32_t SeedFrom(const cDateTime& t) {
 
 }  // namespace
 
-cMainLogic::cMainLogic(cGlobals& globals, Parts parts,
-                       std::function<std::shared_ptr<iLyricSource>(cConfig&)> makeLoader)
+cMainLogic::cMainLogic(cGlobals& globals, Parts parts, LoaderFactory makeLoader)
     : globals_(globals), parts_(parts), makeLoader_(std::move(makeLoader)) {
     parts_.destroyTimer.onTimer = [this] { tmrDestroy_Timer(); };
 }
@@ -164,7 +163,10 @@ void cMainLogic::StartProgram(const std::u16string& path) {
         display_->Load();
         display_->setWindow(globals_.Settings.window_mode);
 
-        core_ = std::make_shared<cCore>(globals_, parts_.shell, *random_, makeLoader_(*config_),
+        std::shared_ptr<iLyricSource> loader;
+        if (makeLoader_)
+            loader = makeLoader_(*config_, *random_, plugin_ ? plugin_->Music() : nullptr);
+        core_ = std::make_shared<cCore>(globals_, parts_.shell, *random_, std::move(loader),
                                         [this](std::u16string_view key) { return Text(key); });
         core_->setPlugin(plugin_.get());
         core_->setTray(display_.get());

@@ -27,6 +27,7 @@ class Timer;
 class cConfig;
 class cCore;
 class cDisplay;
+class cMusic;
 class cPlugin;
 class iLyricSource;
 class mLanguage;
@@ -50,9 +51,11 @@ class cMainLogic {
         // The optional string library's loader; nullptr: built-in conversions only.
         StringsLibraryLoader* strings = nullptr;
     };
-    // makeLoader builds the lyric lookup of a new core.
-    cMainLogic(cGlobals& globals, Parts parts,
-               std::function<std::shared_ptr<iLyricSource>(cConfig&)> makeLoader);
+    // Builds the lyric lookup of a new core (a cLyricFile with the window's
+    // socket and timer) for the plug-in's track record.
+    using LoaderFactory = std::function<std::shared_ptr<iLyricSource>(
+        cConfig& config, Random& random, const std::shared_ptr<cMusic>& track)>;
+    cMainLogic(cGlobals& globals, Parts parts, LoaderFactory makeLoader);
     ~cMainLogic();
     cMainLogic(const cMainLogic&) = delete;
     cMainLogic& operator=(const cMainLogic&) = delete;
@@ -99,7 +102,7 @@ class cMainLogic {
 
     cGlobals& globals_;
     Parts parts_;
-    std::function<std::shared_ptr<iLyricSource>(cConfig&)> makeLoader_;
+    LoaderFactory makeLoader_;
     std::unique_ptr<cConfig> config_;
     std::unique_ptr<Random> random_;
     std::unique_ptr<cDisplay> display_;
