@@ -1,0 +1,340 @@
+#include "core/cCore.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "core/FakeLyricSource.h"
+#include "core/cEventStream.h"
+#include "core/cMusic.h"
+#include "core/cPlugin.h"
+#include "display/cDisplay.h"
+#include "fakes/FakeDrawSurface.h"
+#include "fakes/FakeMeasureSurface.h"
+#include "fakes/FakePluginChannel.h"
+#include "fakes/FakeRandom.h"
+#include "fakes/FakeShell.h"
+#include "fakes/FakeTimer.h"
+#include "lyric/cLyric.h"
+
+namespace toval::test {
+namespace {
+
+// A display that also records what the controller asks of it.
+class RecordingDisplay : public cDisplay {
+  public:
+    using cDisplay::cDisplay;
+    void Clear() override {
+        log.push_back("Clear");
+        cDisplay::Clear();
+    }
+    void ReajustWindow() override {
+        log.push_back("ReajustWindow");
+        cDisplay::ReajustWindow();
+    }
+    void setLyric(std::shared_ptr<cLyric> lyric) override {
+        log.push_back("Lyric");
+        cDisplay::setLyric(std::move(lyric));
+    }
+    void setMusic(std::shared_ptr<cMusic> music) override {
+        log.push_back("Music");
+        cDisplay::setMusic(std::move(music));
+    }
+    void ChooseText(int32_t line, int32_t word) override {
+        log.push_back("Choose " + std::to_string(line) + " " + std::to_string(word));
+        cDisplay::ChooseText(line, word);
+    }
+    std::vector<std::string> Take() { return std::exchange(log, {}); }
+    std::vector<std::string> log;
+};
+
+struct Rig {
+    cGlobals globals;
+    FakeShell shell;
+    FakeRandom random{{0.5}};
+    FakeTimer timer;
+    FakePluginChannel channel;
+    FakeDrawSurface surface;
+    FakeMeasureSurface measure;
+    std::shared_ptr<FakeLyricSource> source = std::make_shared<FakeLyricSource>();
+    cPlugin plugin{globals, channel, shell,
+                   [](std::u16string_view key) { return u"<" + std::u16string(key) + u">"; }};
+    RecordingDisplay display{globals, surface, shell};
+    std::shared_ptr<cCore> core;
+    int closes = 0;
+
+    Rig() {
+        core = std::make_shared<cCore>(globals, shell, random, source, [](std::u16string_view key) {
+            return u"msg " + std::u16string(key);
+        });
+        core->setTray(&display);
+        core->setAuxPictureBox(&measure);
+        core->setPlugin(&plugin);
+        core->setTimer(&timer);
+        plugin.setPluginHwnd(0x99);
+        plugin.setCore(core);
+        plugin.onCloseProgram = [this] { ++closes; };
+    }
+    ~Rig() {
+        plugin.setCore(nullptr);
+        core->setTimer(nullptr);
+    }
+    // Wakes the plug-in up and announces a track at playlist position pos.
+    void Playing(int32_t pos, std::u16string lyric, int32_t status = kLyricLocal) {
+        timer.tick();  // wake-up
+        channel.playlistPosition = pos;
+        core->PluginEvent(kEventNewTrack);
+        timer.tick();  // lookup
+        source->text = std::move(lyric);
+        source->Answer(pos, status);
+    }
+};
+
+TEST(cCore, BindingTheTimerStartsFastPolling) {
+    Rig r;
+    EXPECT_TRUE(r.core->TimerBound());
+    EXPECT_EQ(r.timer.interval, 20);
+    EXPECT_TRUE(r.timer.enabled);
+    EXPECT_FALSE(r.core->PluginAlive());
+}
+
+TEST(cCore, WakesThePluginThenPolls) {
+    Rig r;
+    r.channel.registerAnswer = 0;  // not yet: the plug-in refuses
+    r.timer.tick();
+    EXPECT_TRUE(r.core->Waking());
+    EXPECT_EQ(r.timer.interval, 5000);
+    EXPECT_EQ(r.closes, 1);  // a refused registration closes the program
+    EXPECT_EQ(r.shell.boxes.size(), 1u);
+
+    // While waking, ticks send nothing.
+    r.channel.sent.clear();
+    r.timer.tick();
+    EXPECT_TRUE(r.channel.sent.empty());
+
+    Rig ok;
+    ok.timer.tick();
+    EXPECT_TRUE(ok.core->PluginAlive());
+    EXPECT_FALSE(ok.core->Waking());
+    EXPECT_EQ(ok.timer.interval, 20);
+    EXPECT_TRUE(ok.timer.enabled);
+    // Idle: every tick polls the position and nothing else.
+    ok.channel.sent.clear();
+    ok.channel.position = 1234;
+    ok.timer.tick();
+    ok.timer.tick();
+    EXPECT_EQ(ok.channel.Count(kCmdPosition), 2);
+    EXPECT_EQ(ok.channel.sent.size(), 2u);
+    EXPECT_EQ(ok.globals.PlayPosition, 1234);
+    EXPECT_TRUE(ok.source->loads.empty());
+}
+
+TEST(cCore, NewTrackIsLookedUpOnTheNextTickAndPlayed) {
+    Rig r;
+    r.timer.tick();
+    r.display.Take();
+    r.channel.playlistPosition = 7;
+    r.plugin.Music()->setFileAddress(u"ab");
+    r.core->PluginEvent(kEventNewTrack);
+    EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"Clear"}));
+    EXPECT_EQ(r.globals.PlaylistPosition, 7);
+    EXPECT_EQ(r.globals.TrackID, -2147483355);
+    EXPECT_TRUE(r.core->LoadPending());
+    EXPECT_TRUE(r.timer.enabled);
+
+    r.timer.tick();
+    EXPECT_EQ(r.source->loads, (std::vector<int32_t>{7}));
+    EXPECT_FALSE(r.core->LoadPending());
+    EXPECT_FALSE(r.core->LyricActive());
+    r.timer.tick();  // loading: polls only
+    EXPECT_EQ(r.source->loads.size(), 1u);
+
+    r.source->text =
+        u"[PROPERTY]\r\nMUTATION:42\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY][1000]a\r\n[2000]b";
+    r.source->Answer(7, kLyricLocal);
+    EXPECT_TRUE(r.core->LyricActive());
+    EXPECT_TRUE(r.timer.enabled);
+    EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"Lyric", "Music"}));
+    EXPECT_EQ(r.display.Music(), r.plugin.Music());
+    ASSERT_TRUE(r.core->Stream());
+    EXPECT_EQ(r.core->Stream()->NumEvents(), 2);
+    // A local hit asks the service for a newer version of the same lyric.
+    ASSERT_EQ(r.source->loadFroms.size(), 1u);
+    EXPECT_EQ(r.source->loadFroms[0].source, 2);
+    EXPECT_EQ(r.source->loadFroms[0].requestId, 7);
+    EXPECT_EQ(r.source->loadFroms[0].mutation, 42);
+
+    r.channel.position = 1500;
+    r.timer.tick();
+    EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"Choose 0 -2147483648"}));
+
+    // Other outcomes do not ask again.
+    for (int32_t status : {kLyricLocalSimple, kLyricFromService, kLyricNotFound, kLyricWaiting}) {
+        r.source->loadFroms.clear();
+        r.source->Answer(7, status);
+        EXPECT_TRUE(r.source->loadFroms.empty()) << status;
+    }
+}
+
+TEST(cCore, ALyricForATrackNoLongerPlayingIsDropped) {
+    Rig r;
+    r.timer.tick();
+    r.channel.playlistPosition = 3;
+    r.core->PluginEvent(kEventNewTrack);
+    r.timer.tick();
+    r.channel.playlistPosition = 4;  // the user moved on
+    r.source->text = u"[1000]old";
+    r.display.Take();
+    r.source->Answer(3, kLyricLocal);
+    EXPECT_FALSE(r.core->LyricActive());
+    EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"Clear"}));
+    EXPECT_EQ(r.globals.PlaylistPosition, 4);
+    r.timer.tick();
+    EXPECT_EQ(r.source->loads, (std::vector<int32_t>{3, 4}));
+    EXPECT_TRUE(r.source->loadFroms.empty());
+}
+
+TEST(cCore, SlowDownNoticesStepTheIntervalUp) {
+    Rig r;
+    r.timer.tick();
+    r.display.Take();
+    std::vector<int32_t> intervals;
+    for (int i = 0; i < 300; ++i) {
+        r.core->PluginEvent(kEventSlowDown);
+        intervals.push_back(r.timer.interval);
+    }
+    EXPECT_EQ(intervals[0], 40);
+    EXPECT_EQ(intervals[1], 60);
+    EXPECT_EQ(intervals.back(), 5000);
+    // The window is refitted only while polling at the fast interval.
+    EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"ReajustWindow"}));
+
+    // A huge step is an error in the trail, not a wrap to a negative interval.
+    r.globals.Settings.timer_TrackPosRefresh = 2147483647;
+    r.timer.interval = 4000;
+    r.core->PluginEvent(kEventSlowDown);
+    EXPECT_EQ(r.timer.interval, 4000);
+}
+
+TEST(cCore, StoppedForgetsTheTrackAndShowsTheUpdateNoticeOnce) {
+    struct Case {
+        int32_t newest, lastShown;
+        bool notice;
+    };
+    const Case cases[] = {{1030001, 0, false},
+                          {1030002, 0, true},
+                          {1030002, 1030002, false},
+                          {2000000, 1030002, true}};
+    for (const Case& c : cases) {
+        Rig r;
+        r.globals.Settings.conn_Server = u"lyrics.example";
+        r.globals.lastUpdateVersion = c.newest;
+        r.globals.Settings.version_LastShow = c.lastShown;
+        r.Playing(5, u"[1000]a");
+        r.display.Take();
+        r.core->PluginEvent(kEventStopped);
+        EXPECT_EQ(r.globals.PlaylistPosition, kUnset);
+        EXPECT_EQ(r.globals.TrackID, kUnset);
+        EXPECT_FALSE(r.core->LyricActive());
+        EXPECT_FALSE(r.core->Stream());
+        EXPECT_TRUE(r.timer.enabled);
+        std::vector<std::string> expected{"Clear"};
+        if (c.notice) expected.push_back("Lyric");
+        EXPECT_EQ(r.display.Take(), expected) << c.newest;
+        if (!c.notice) continue;
+        EXPECT_EQ(r.display.Lyric()->URL(), u"http://lyrics.example/?page=download");
+        EXPECT_EQ(r.display.Lyric()->GetLine(0)->Text(), u"msg TovalNewVersion");
+
+        // Following another link changes nothing; following the download link
+        // retires the notice for this version.
+        std::vector<int32_t> saved;
+        r.core->onSaveLastShow = [&](int32_t v) { saved.push_back(v); };
+        r.core->LinkOpened(u"http://elsewhere.example/");
+        EXPECT_TRUE(saved.empty());
+        r.core->LinkOpened(u"http://lyrics.example/?page=download");
+        EXPECT_EQ(saved, (std::vector<int32_t>{c.newest}));
+        EXPECT_EQ(r.globals.Settings.version_LastShow, c.newest);
+        EXPECT_FALSE(r.display.Lyric());
+        r.display.Take();
+        r.core->PluginEvent(kEventStopped);
+        EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"Clear"}));
+    }
+}
+
+TEST(cCore, PlayerClosedLeavesTheTimerOff) {
+    for (int32_t code : {kEventPlayerClosed, kEventLinkClosed, kEventLinkClosed2}) {
+        Rig r;
+        r.Playing(2, u"[1000]a");
+        r.core->PluginEvent(code);
+        EXPECT_FALSE(r.timer.enabled);
+        EXPECT_EQ(r.timer.interval, 5000);
+        EXPECT_FALSE(r.core->PluginAlive());
+        EXPECT_FALSE(r.core->Waking());
+        EXPECT_FALSE(r.core->LyricActive());
+        EXPECT_FALSE(r.core->Stream());
+        EXPECT_EQ(r.globals.TrackID, kUnset);
+        EXPECT_FALSE(r.timer.tick());
+    }
+}
+
+TEST(cCore, OtherCodesAndResetAndCache) {
+    Rig r;
+    r.Playing(2, u"[1000]a");
+    r.globals.TrackID = 11;
+    r.core->PluginEvent(kEventForget);
+    EXPECT_EQ(r.globals.PlaylistPosition, kUnset);
+    EXPECT_EQ(r.globals.TrackID, kUnset);
+    EXPECT_TRUE(r.core->LyricActive());
+
+    r.display.Take();
+    for (int32_t code : {3, 5, 65, 128, -1, kUnset})
+        r.core->PluginEvent(code);
+    EXPECT_TRUE(r.display.Take().empty());
+    EXPECT_TRUE(r.core->LyricActive());
+
+    // Reset looks the current track up again, only while playing.
+    r.core->Reset();
+    EXPECT_TRUE(r.core->LoadPending());
+    EXPECT_FALSE(r.core->LyricActive());
+    Rig idle;
+    idle.timer.tick();
+    idle.core->Reset();
+    EXPECT_FALSE(idle.core->LoadPending());
+
+    r.core->ClearCache();
+    EXPECT_EQ(r.source->cacheClears, 1);
+
+    r.core->preClose();
+    EXPECT_FALSE(r.timer.enabled);
+    EXPECT_FALSE(r.core->PluginAlive());
+}
+
+TEST(cCore, ALongerRecordingIsFittedOnlyWhenLengthsAreInMilliseconds) {
+    const std::u16string text =
+        u"[PROPERTY]\r\nMUTATION:1\r\nTRACKLENGTH:200000\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY]"
+        u"[100000]a";
+    for (int32_t unit : {1, 0}) {
+        Rig r;
+        r.channel.lengthUnit = unit;
+        r.channel.playlistPosition = 1;
+        r.timer.tick();
+        r.plugin.Music()->setMiliDuration(180000);
+        r.Playing(1, text);
+        EXPECT_EQ(r.core->Stream()->EventTime(0), unit == 1 ? 90000 : 100000) << unit;
+    }
+}
+
+TEST(cCore, StreamEventsReachTheDisplayOnlyWhileALyricIsActive) {
+    Rig r;
+    int32_t line = 1, word = 2;
+    r.core->ces_Stream_LoadEvent(line, word);
+    EXPECT_TRUE(r.display.Take().empty());
+    r.Playing(1, u"[1000]a\r\n[2000]<2000>b <3000>c");
+    r.display.Take();
+    r.core->ces_Stream_LoadEvent(line, word);
+    EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"Choose 1 2"}));
+}
+
+}  // namespace
+}  // namespace toval::test
