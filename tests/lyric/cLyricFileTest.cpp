@@ -1,0 +1,227 @@
+#include "lyric/cLyricFile.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "config/cConfig.h"
+#include "config/cIniEngine.h"
+#include "core/cMusic.h"
+#include "fakes/FakeRandom.h"
+#include "fakes/FakeShell.h"
+#include "fakes/FakeSocket.h"
+#include "fakes/FakeTimer.h"
+#include "fakes/TempDir.h"
+#include "lyric/mFile.h"
+
+namespace toval::test {
+namespace {
+
+struct Loaded {
+    int32_t requestId, status;
+    std::u16string lyric;
+    bool operator==(const Loaded&) const = default;
+};
+void PrintTo(const Loaded& l, std::ostream* os) {
+    *os << "{" << l.requestId << ", " << l.status << ", \"";
+    for (char16_t c : l.lyric)
+        *os << (c < 128 ? static_cast<char>(c) : '?');
+    *os << "\"}";
+}
+
+void Write(const std::filesystem::path& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+std::string Read(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+class LyricFileTest : public ::testing::Test {
+  protected:
+    LyricFileTest() {
+        std::filesystem::create_directories(music.path());
+        Write(dir.path() / "enus.ini", "[msg]\r\nTovalNotFound=No lyric found\r\n");
+        shell.programFolder = dir.folder();
+        shell.specialFolder = dir.path().u16string();
+        config.Load(false);
+        globals.Settings.conn_Server = u"lyrics.test";
+        globals.PlaylistPosition = 3;
+
+        track->setArtist(u"Ann");
+        track->setTitle(u"Song [Live] <edit>");
+        track->setMiliDuration(200000);
+        track->setFileAddress(trackFile().u16string());
+        lookup.setMusic(track);
+        lookup.setSocket(socket);
+        lookup.setTime(timer);
+        lookup.onLoaded = [this](int32_t id, int32_t status) {
+            loaded.push_back({id, status, lookup.Lyric()});
+        };
+    }
+
+    std::filesystem::path trackFile() const { return music.path() / "song.mp3"; }
+    std::filesystem::path beside(const char* ext) const { return music.path() / ext; }
+
+    void serve(const std::string& body) {
+        socket->accept();
+        socket->answer("HTTP/1.0 200 OK\r\n\r\n<TOVAL>" + body + "</TOVAL>");
+        socket->hangUp();
+    }
+
+    TempDir dir, music, cacheDir;
+    cGlobals globals;
+    FakeShell shell;
+    cIniEngine ini;
+    cConfig config{globals, shell, ini};
+    FakeRandom random;
+    std::shared_ptr<FakeSocket> socket = std::make_shared<FakeSocket>();
+    std::shared_ptr<FakeTimer> timer = std::make_shared<FakeTimer>();
+    std::shared_ptr<cMusic> track = std::make_shared<cMusic>();
+    cLyricFile lookup{globals, std::make_unique<cCache>(globals, random, cacheDir.folder()),
+                      &config};
+    std::vector<Loaded> loaded;
+};
+
+TEST_F(LyricFileTest, FilesBesideTheTrackComeFirstTvlBeforeLrc) {
+    Write(beside("song.lrc"), "[00:01.50]from lrc\r\n");
+    lookup.Load(3);
+    globals.Settings.cache_simple = false;
+    lookup.Load(4);
+    Write(beside("song.tvl"), "[1000]from tvl \xC3\xA9\r\n");
+    lookup.Load(5);
+    EXPECT_EQ(loaded, (std::vector<Loaded>{{3, 0, u"[00:01.50]from lrc\r\n"},
+                                           {4, 1, u"[00:01.50]from lrc\r\n"},
+                                           {5, 1, u"[1000]from tvl \u00e9\r\n"}}));
+    EXPECT_TRUE(socket->connects.empty()) << "a local lyric asks no service";
+}
+
+TEST_F(LyricFileTest, CacheHitIsCopiedBesideTheTrackUnlessTheCacheIsSimple) {
+    ASSERT_TRUE(lookup.Cache().SetLyric(track, u"[2000]cached"));
+    lookup.Load(3);
+    EXPECT_EQ(loaded.back(), (Loaded{3, 1, u"[2000]cached"}));
+    EXPECT_FALSE(std::filesystem::exists(beside("song.tvl")));
+
+    globals.Settings.cache_simple = false;
+    lookup.Load(3);
+    EXPECT_EQ(loaded.back(), (Loaded{3, 1, u"[2000]cached"}));
+    EXPECT_EQ(Read(beside("song.tvl")), "[2000]cached");
+    EXPECT_TRUE(socket->connects.empty());
+}
+
+TEST_F(LyricFileTest, ServiceIsAskedWithAWaitingTextThatCannotParseAsTags) {
+    lookup.Load(3);
+    ASSERT_EQ(loaded.size(), 1u);
+    EXPECT_EQ(loaded[0], (Loaded{3, 4, u"Ann - Song (Live) (edit)\r\n\r\n"}));
+    ASSERT_EQ(socket->connects.size(), 1u);
+    socket->accept();
+    EXPECT_NE(socket->sent.find("GET /website/tvl_get_url.php?art=Ann&alb=&tit=Song+%5BLive%5D"),
+              std::string::npos);
+    EXPECT_NE(socket->sent.find("&mut=0&"), std::string::npos);
+    socket->answer("HTTP/1.0 200 OK\r\n\r\n<TOVAL>[1000]got it</TOVAL>");
+    socket->hangUp();
+    ASSERT_EQ(loaded.size(), 2u);
+    EXPECT_EQ(loaded[1], (Loaded{3, 2, u"[1000]got it"}));
+
+    // Simple cache (the default): the answer went to the cache only, so the
+    // next lookup is a cache hit without network.
+    EXPECT_FALSE(std::filesystem::exists(beside("song.tvl")));
+    lookup.Load(3);
+    EXPECT_EQ(loaded.back(), (Loaded{3, 1, u"[1000]got it"}));
+    EXPECT_EQ(socket->connects.size(), 1u);
+}
+
+TEST_F(LyricFileTest, ServiceLyricGoesBesideTheTrackOrToTheCacheWhenThatFails) {
+    globals.Settings.cache_simple = false;
+    lookup.Load(3);
+    serve("[1000]written \xE2\x82\xAC");
+    EXPECT_EQ(Read(beside("song.tvl")), "[1000]written \xE2\x82\xAC");
+    EXPECT_EQ(lookup.Cache().GetLyric(track), u"");
+
+    // A folder that cannot take the file: the cache keeps the lyric.
+    auto gone = std::make_shared<cMusic>(*track);
+    gone->setTitle(u"Elsewhere");  // a new request, not the repeat of the last one
+    gone->setFileAddress((music.path() / "missing" / "other.mp3").u16string());
+    lookup.setMusic(gone);
+    lookup.Load(3);
+    serve("[1000]kept in cache");
+    EXPECT_EQ(loaded.back(), (Loaded{3, 2, u"[1000]kept in cache"}));
+    EXPECT_EQ(lookup.Cache().GetLyric(gone), u"[1000]kept in cache");
+
+    // An explicit save without fallback stores nothing when the file fails.
+    gone->setTitle(u"Other");
+    lookup.SaveOnCache(gone, u"x", false);
+    EXPECT_EQ(lookup.Cache().GetLyric(gone), u"");
+}
+
+TEST_F(LyricFileTest, NotFoundAppendsTheLanguageTextAndOtherAnswersRaiseNothing) {
+    lookup.Load(3);
+    serve(":NOTFOUND");
+    ASSERT_EQ(loaded.size(), 2u);
+    EXPECT_EQ(loaded[1], (Loaded{3, 3, u"Ann - Song (Live) (edit)\r\n\r\n(No lyric found)"}));
+
+    const char* silent[] = {":UPDATESERVER:moved.test", ":NOUPDATES", ":SUCCESS", ":SQL_ERROR",
+                            ":BOGUS"};
+    for (const char* body : silent) {
+        loaded.clear();
+        lookup.LoadFrom(2, 3, 99);
+        serve(body);
+        EXPECT_TRUE(loaded.empty()) << body;
+    }
+    EXPECT_EQ(globals.Settings.conn_Server, u"moved.test");
+    loaded.clear();
+    lookup.LoadFrom(2, 3, 99);
+    socket->fail();
+    EXPECT_TRUE(loaded.empty());
+}
+
+TEST_F(LyricFileTest, AnswersForATrackNoLongerPlayingAreDropped) {
+    lookup.Load(3);
+    globals.PlaylistPosition = 4;  // the player moved on meanwhile
+    serve("[1000]late");
+    EXPECT_EQ(loaded.size(), 1u);
+    EXPECT_EQ(lookup.Cache().GetLyric(track), u"") << "a dropped answer is not stored";
+    lookup.Load(3);
+    globals.PlaylistPosition = kUnset;
+    serve(":NOTFOUND");
+    EXPECT_EQ(loaded.size(), 2u);
+}
+
+TEST_F(LyricFileTest, LoadFromAsksTheServiceOnlyForSourceTwo) {
+    lookup.LoadFrom(1, 3, 1234);
+    lookup.LoadFrom(0, 3, 1234);
+    EXPECT_TRUE(socket->connects.empty());
+    lookup.LoadFrom(2, 3, 1234);
+    socket->accept();
+    EXPECT_NE(socket->sent.find("&mut=1234&vrs=1030001&get=Get"), std::string::npos);
+    EXPECT_EQ(lookup.Site().Mode(), 1);
+    socket->answer("HTTP/1.0 200 OK\r\n\r\n<TOVAL>[5]newer</TOVAL>");
+    socket->hangUp();
+    EXPECT_EQ(loaded, (std::vector<Loaded>{{3, 2, u"[5]newer"}}));
+}
+
+TEST_F(LyricFileTest, TrackWithoutFileLooksNowhereBesideIt) {
+    // A stream has no folder: no ".tvl" is looked for or written in the
+    // working folder.
+    auto stream = std::make_shared<cMusic>();
+    stream->setTitle(u"Radio");
+    lookup.setMusic(stream);
+    globals.Settings.cache_simple = false;
+    lookup.Load(3);
+    EXPECT_EQ(loaded.back(), (Loaded{3, 4, u"Radio\r\n\r\n"}));
+    serve("[1]on air");
+    EXPECT_EQ(lookup.Cache().GetLyric(stream), u"[1]on air");
+    EXPECT_FALSE(std::filesystem::exists(".tvl"));
+
+    lookup.setMusic(nullptr);
+    loaded.clear();
+    lookup.Load(3);
+    EXPECT_TRUE(loaded.empty());
+}
+
+}  // namespace
+}  // namespace toval::test

@@ -1,0 +1,265 @@
+#include "net/cTovalSite.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "config/cConfig.h"
+#include "config/cIniEngine.h"
+#include "core/cMusic.h"
+#include "fakes/FakeShell.h"
+#include "fakes/FakeSocket.h"
+#include "fakes/FakeTimer.h"
+#include "fakes/TempDir.h"
+#include "lyric/cLyric.h"
+#include "lyric/mFile.h"
+
+namespace toval::test {
+namespace {
+
+struct Raised {
+    int32_t result, id;
+    std::u16string lyric;
+};
+
+class TovalSiteTest : public ::testing::Test {
+  protected:
+    TovalSiteTest() {
+        globals.Settings.conn_Server = u"lyrics.test";
+        site.setSocket(socket);
+        site.setTime(timer);
+        site.onToval = [this](int32_t result, int32_t id) {
+            raised.push_back({result, id, site.Lyric()});
+        };
+        music.setArtist(u"Ann & Bo");
+        music.setAlbum(u"");
+        music.setTitle(u"Caf\u00e9 / Night?");
+        music.setMiliDuration(215500);
+        music.setFileSize(4096);
+    }
+
+    // The peer accepts, answers with a 200 page around body and closes.
+    void answer(const std::string& body) {
+        socket->accept();
+        socket->answer("HTTP/1.0 200 OK\r\nContent-Type: text/html\r\n\r\n" + body);
+        socket->hangUp();
+    }
+
+    // The request line's target.
+    std::string target() const {
+        const size_t start = socket->sent.find(' ') + 1;
+        return socket->sent.substr(start, socket->sent.find(" HTTP/1.0") - start);
+    }
+    std::string postBody() const { return socket->sent.substr(socket->sent.find("\r\n\r\n") + 4); }
+
+    cGlobals globals;
+    std::shared_ptr<FakeSocket> socket = std::make_shared<FakeSocket>();
+    std::shared_ptr<FakeTimer> timer = std::make_shared<FakeTimer>();
+    cTovalSite site{globals};
+    cMusic music;
+    std::vector<Raised> raised;
+};
+
+TEST_F(TovalSiteTest, LoadAsksTheGetScriptWithTheTrackInOrder) {
+    site.Load(music, 12, 0);
+    ASSERT_EQ(socket->connects.size(), 1u);
+    EXPECT_EQ(socket->connects[0].host, "lyrics.test");
+    EXPECT_EQ(socket->connects[0].port, 80);
+    socket->accept();
+    EXPECT_EQ(target(),
+              "/website/tvl_get_url.php?art=Ann+%26+Bo&alb=&tit=Caf%C3%A9+/+Night%3F"
+              "&dur=216&siz=4096&mut=0&vrs=1030001&get=Get");
+    EXPECT_NE(socket->sent.find("\r\nHost: lyrics.test\r\n"), std::string::npos);
+    EXPECT_EQ(site.Mode(), 0);
+
+    // The mode argument goes as mut= and sorts into the request mode.
+    const struct {
+        int32_t mode;
+        std::string mut;
+        int32_t requestMode;
+    } modes[] = {{1804289383, "mut=1804289383", 1},
+                 {-5, "mut=-5", 1},
+                 {kUnset, "mut=-2147483648", 2},
+                 {0, "mut=0", 0}};
+    for (const auto& m : modes) {
+        socket->sent.clear();
+        site.Load(music, 13, m.mode);
+        socket->accept();
+        EXPECT_NE(target().find("&" + m.mut + "&vrs="), std::string::npos) << m.mut;
+        EXPECT_EQ(site.Mode(), m.requestMode) << m.mut;
+    }
+}
+
+TEST_F(TovalSiteTest, SaveSendsKaraokeAsTvlAndLineTimedLyricsAsLrc) {
+    auto karaoke = std::make_shared<cLyric>();
+    karaoke->setLoad(u"[1000]<1000>Hel<1500>lo\r\n[2000]two\r\n");
+    karaoke->setMutation(77);
+    site.Save(music, karaoke, 5);
+    socket->accept();
+    EXPECT_EQ(socket->sent.rfind("POST /website/tvl_insert.php HTTP/1.0\r\n", 0), 0u);
+    const std::string body = postBody();
+    EXPECT_EQ(body.rfind("art=Ann+%26+Bo&alb=&tit=Caf%C3%A9+/+Night%3F&dur=216&siz=4096"
+                         "&mut=77&vrs=1030001&tvl=",
+                         0),
+              0u)
+        << body;
+    EXPECT_TRUE(body.ends_with("&add=Add"));
+    EXPECT_NE(body.find("%5B1000%5D%3C1000%3EHel%3C1500%3Elo%0D%0A"), std::string::npos);
+    EXPECT_NE(socket->sent.find("Content-Length: " + std::to_string(body.size()) + "\r\n"),
+              std::string::npos);
+
+    auto lines = std::make_shared<cLyric>();
+    lines->setLoad(u"[ar:X]\r\n[00:01.50]one\r\n[00:02.00]two\r\n");
+    socket->sent.clear();
+    site.Save(music, lines, 6);
+    socket->accept();
+    EXPECT_NE(
+        postBody().find("&mut=-2147483648&vrs=1030001&lrc=%5Bar%3AX%5D%0D%0A%5B00%3A01%2E50%5D"
+                        "one%0D%0A"),
+        std::string::npos)
+        << postBody();
+    EXPECT_EQ(postBody().find("tvl="), std::string::npos);
+}
+
+TEST(cTovalSiteRule, LrcOnlyWhenNothingIsLost) {
+    const struct {
+        const char16_t* text;
+        bool lrc;
+    } cases[] = {
+        {u"[1000]one\r\n[2500]two", true},
+        {u"[00:01.00]one", true},
+        {u"", false},            // nothing timed
+        {u"one\r\ntwo", false},  // untimed
+        {u"[1000]one\r\n[]gap\r\n[3000]three", false},
+        {u"[1000][9000]chorus", false},         // two times: LRC keeps the first
+        {u"[1005]one", false},                  // LRC keeps hundredths
+        {u"[1000]<1000>one <1500>two", false},  // word times
+        {u"[1000]<>one <>two", true},           // words without times
+        {u"[PROPERTY]\r\nTRACKLENGTH:5000\r\n[\\PROPERTY][1000]one", false},
+        {u"[PROPERTY]\r\nRIGHTTOLEFT:1\r\n[\\PROPERTY][1000]one", false},
+    };
+    int index = 0;
+    for (const auto& c : cases) {
+        cLyric lyric;
+        lyric.setLoad(c.text);
+        EXPECT_EQ(cTovalSite::SendsAsLRC(lyric), c.lrc) << "case " << index;
+        ++index;
+    }
+}
+
+TEST_F(TovalSiteTest, AnswersBecomeOneEventWithTheRequestId) {
+    // A lyric, UTF-8 with HTML line breaks and references.
+    site.Load(music, 21, 0);
+    answer("<html><TOVAL>[1000]Caf\xC3\xA9 &amp; more<br>[2000]two</TOVAL></html>");
+    ASSERT_EQ(raised.size(), 1u);
+    EXPECT_EQ(raised[0].result, 0);
+    EXPECT_EQ(raised[0].id, 21);
+    EXPECT_EQ(raised[0].lyric, u"[1000]Caf\u00e9 & more\r\n[2000]two");
+
+    const struct {
+        std::string page;
+        int32_t result;
+    } pages[] = {
+        {"<TOVAL>:NOTFOUND</TOVAL>", 4},  {"<TOVAL>:notfound</TOVAL>", 5},
+        {"<TOVAL>:SUCCESS</TOVAL>", 1},   {"<TOVAL>:SQL_ERROR</TOVAL>", 2},
+        {"<TOVAL>:NOUPDATES</TOVAL>", 3}, {"<TOVAL>:NOTFOUND", 5},
+        {"no envelope at all", 5},        {"<TOVAL></TOVAL>", 5},
+    };
+    int32_t id = 30;
+    for (const auto& p : pages) {
+        raised.clear();
+        // A new mode each time: a repeated URL would get the last answer again.
+        ++id;
+        site.Load(music, id, id);
+        answer(p.page);
+        ASSERT_EQ(raised.size(), 1u) << p.page;
+        EXPECT_EQ(raised[0].result, p.result) << p.page;
+        EXPECT_EQ(raised[0].id, id) << p.page;
+        EXPECT_EQ(raised[0].lyric, u"") << "no lyric is kept after " << p.page;
+        EXPECT_FALSE(site.ServerMoved());
+    }
+
+    // Failures on the wire.
+    raised.clear();
+    site.Load(music, 50, 50);
+    socket->fail();
+    site.Load(music, 51, 51);
+    socket->accept();
+    socket->answer("HTTP/1.0 404 Not Found\r\n\r\n<TOVAL>[1]x</TOVAL>");
+    socket->hangUp();
+    site.Load(music, 52, 52);
+    socket->accept();
+    timer->tick();
+    ASSERT_EQ(raised.size(), 3u);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(raised[i].result, 5);
+        EXPECT_EQ(raised[i].id, 50 + i);
+    }
+    EXPECT_EQ(globals.Settings.conn_Server, u"lyrics.test");
+}
+
+TEST_F(TovalSiteTest, AnnouncedVersionIsKeptOnlyWhenNumeric) {
+    globals.lastUpdateVersion = 1030001;
+    site.Load(music, 1, 0);
+    answer("<LLV>1030007</LLV><TOVAL>:NOTFOUND</TOVAL>");
+    EXPECT_EQ(globals.lastUpdateVersion, 1030007);
+    site.Load(music, 2, 2);
+    answer("<LLV>soon</LLV><TOVAL>:NOUPDATES</TOVAL>");
+    EXPECT_EQ(globals.lastUpdateVersion, 1030007);
+    // Read even from an answer whose envelope is broken.
+    site.Load(music, 3, 3);
+    answer("<LLV>1030009</LLV><TOVAL>");
+    EXPECT_EQ(globals.lastUpdateVersion, 1030009);
+    EXPECT_EQ(raised.back().result, 5);
+}
+
+TEST(cTovalSiteMove, UpdateServerWritesTheHostAndSavesTheSettingsGroup) {
+    TempDir dir;
+    cGlobals globals;
+    globals.Settings.conn_Server = u"old.test";
+    globals.Settings.proxy_Port = 3128;
+    FakeShell shell;
+    shell.specialFolder = dir.path().u16string();
+    shell.programFolder = dir.folder();
+    cIniEngine ini;
+    cConfig config(globals, shell, ini);
+    cTovalSite site(globals, &config);
+    auto socket = std::make_shared<FakeSocket>();
+    site.setSocket(socket);
+    site.setTime(std::make_shared<FakeTimer>());
+    std::vector<int32_t> results;
+    site.onToval = [&](int32_t result, int32_t) { results.push_back(result); };
+    cMusic music;
+
+    auto serve = [&](const std::string& body) {
+        socket->accept();
+        socket->answer("HTTP/1.0 200 OK\r\n\r\n" + body);
+        socket->hangUp();
+    };
+    // Only the prefix: not a move.
+    site.Load(music, 1, 0);
+    serve("<TOVAL>:UPDATESERVER:</TOVAL>");
+    EXPECT_EQ(globals.Settings.conn_Server, u"old.test");
+    EXPECT_FALSE(std::filesystem::exists(dir.path() / "Toval" / "config.ini"));
+
+    site.Load(music, 2, 2);
+    serve("<TOVAL>:UPDATESERVER:new.example:8080</TOVAL>");
+    EXPECT_EQ(results, (std::vector<int32_t>{5, 4}));
+    EXPECT_TRUE(site.ServerMoved());
+    EXPECT_EQ(globals.Settings.conn_Server, u"new.example:8080");
+    const std::u16string file = dir.folder() + u"Toval" + kPathSeparator + u"config.ini";
+    EXPECT_EQ(ini.ReadString(file, "toval", "conn_Server", "", 1024), "new.example:8080");
+    EXPECT_EQ(ini.ReadString(file, "toval", "proxy_Port", "", 1024), "3128");
+    EXPECT_EQ(ini.ReadString(file, "toval", "pos_WinTop", "missing", 1024), "missing")
+        << "the window group is not written";
+
+    // The next request goes to the new host and port.
+    site.Load(music, 3, 0);
+    EXPECT_EQ(socket->connects.back().host, "new.example");
+    EXPECT_EQ(socket->connects.back().port, 8080);
+}
+
+}  // namespace
+}  // namespace toval::test
