@@ -1,0 +1,190 @@
+#include "core/cMainLogic.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "config/cConfig.h"
+#include "config/cIniEngine.h"
+#include "core/FakeLyricSource.h"
+#include "core/cCore.h"
+#include "core/cPlugin.h"
+#include "display/cDisplay.h"
+#include "fakes/FakeClock.h"
+#include "fakes/FakeDrawSurface.h"
+#include "fakes/FakeMeasureSurface.h"
+#include "fakes/FakePluginChannel.h"
+#include "fakes/FakeShell.h"
+#include "fakes/FakeTimer.h"
+#include "fakes/TempDir.h"
+
+namespace toval::test {
+namespace {
+
+struct Program {
+    TempDir dir;
+    cGlobals globals;
+    FakeShell shell;
+    FakePluginChannel channel;
+    cIniEngine ini;
+    FakeClock clock;
+    FakeTimer poll, destroy;
+    FakeDrawSurface surface;
+    FakeMeasureSurface measure;
+    std::shared_ptr<FakeLyricSource> source = std::make_shared<FakeLyricSource>();
+    std::unique_ptr<cMainLogic> main;
+    std::vector<std::string> log;
+
+    Program() {
+        shell.programFolder = dir.folder();
+        shell.specialFolder = dir.path().u16string();
+        std::ofstream(dir.path() / "enus.ini", std::ios::binary)
+            << "[msg]\r\nStartErrorNoHandle=No player found\r\nAttentionTitle=Attention\r\n";
+        main = std::make_unique<cMainLogic>(
+            globals, cMainLogic::Parts{shell, channel, ini, clock, poll, destroy, surface, measure},
+            [this](cConfig&, Random&, const std::shared_ptr<cMusic>& track) {
+                log.push_back(track ? "loader for the plug-in's track" : "loader without track");
+                return source;
+            });
+        main->onStopAuxiliary = [this] { log.push_back("stop auxiliary"); };
+        main->onApplyLanguage = [this](mLanguage&) { log.push_back("language"); };
+        main->onDisplayLoaded = [this](cDisplay&) { log.push_back("display"); };
+        main->onUpdateMenus = [this] {
+            log.push_back(main->Plugin() && main->Plugin()->Core() ? "menus (core linked)"
+                                                                   : "menus");
+        };
+        main->onUnloadForms = [this] { log.push_back("unload forms"); };
+        main->onQuit = [this] { log.push_back("quit"); };
+    }
+    std::string ConfigText() const {
+        std::ifstream in(dir.path() / "Toval" / "config.ini", std::ios::binary);
+        std::stringstream s;
+        s << in.rdbuf();
+        return s.str();
+    }
+};
+
+TEST(cMainLogic, ASecondInstanceEndsSilently) {
+    Program p;
+    p.shell.prevInstance = true;
+    EXPECT_FALSE(p.main->Form_Load(u"12345"));
+    EXPECT_EQ(p.shell.doEvents, 1);
+    EXPECT_EQ(p.log, (std::vector<std::string>{"quit"}));
+    EXPECT_EQ(p.channel.findCalls, 0);
+    EXPECT_TRUE(p.shell.boxes.empty());
+}
+
+TEST(cMainLogic, CommandLineDecidesHowOftenThePluginIsSought) {
+    struct Case {
+        std::u16string command;
+        int searches;
+        bool message;
+    };
+    const Case cases[] = {
+        {u"", 1, true},         {u"hello", 1, true},    {u"INSTALL", 7, false},
+        {u"install", 7, false}, {u"InStAlL", 7, false}, {u"INSTALLED", 1, true},
+    };
+    for (const Case& c : cases) {
+        Program p;
+        EXPECT_FALSE(p.main->Form_Load(c.command));
+        EXPECT_EQ(p.channel.findCalls, c.searches);
+        EXPECT_EQ(p.shell.sleeps, std::vector<int32_t>(c.searches - 1, 2000));
+        if (c.message) {
+            ASSERT_EQ(p.shell.boxes.size(), 1u);
+            EXPECT_EQ(p.shell.boxes[0].text, u"No player found");
+            EXPECT_EQ(p.shell.boxes[0].title, u"Attention");
+            EXPECT_EQ(p.shell.boxes[0].flags, kMbIconExclamation);
+        } else {
+            EXPECT_TRUE(p.shell.boxes.empty());
+        }
+        EXPECT_EQ(p.log, (std::vector<std::string>{"quit"}));
+        EXPECT_EQ(p.channel.installs, 0);
+        EXPECT_FALSE(p.main->Core());
+    }
+
+    // Found on the third search after an installation.
+    Program late;
+    late.channel.windowToFind = 0x55;
+    late.channel.foundOnCall = 3;
+    EXPECT_TRUE(late.main->Form_Load(u"install"));
+    EXPECT_EQ(late.channel.findCalls, 3);
+    EXPECT_EQ(late.shell.sleeps, (std::vector<int32_t>{2000, 2000}));
+    EXPECT_EQ(late.main->Plugin()->PluginHwnd(), 0x55);
+}
+
+TEST(cMainLogic, ANumericCommandLineIsThePluginWindow) {
+    Program p;
+    p.globals.Settings.window_mode = 1;
+    EXPECT_TRUE(p.main->Form_Load(u"305419896"));
+    EXPECT_EQ(p.channel.findCalls, 0);
+    EXPECT_EQ(p.channel.installs, 1);
+    ASSERT_TRUE(p.main->Plugin());
+    EXPECT_EQ(p.main->Plugin()->PluginHwnd(), 305419896);
+    EXPECT_EQ(p.globals.ProgramFolder, p.dir.folder());
+    // The order in which the running objects come up; the plug-in reaches the core last.
+    EXPECT_EQ(p.log, (std::vector<std::string>{"stop auxiliary", "language", "display",
+                                               "loader for the plug-in's track", "menus"}));
+    EXPECT_EQ(p.main->Plugin()->Core(), p.main->Core());
+    EXPECT_EQ(p.main->Display()->Window(), 2);  // no config.ini: the default mode
+    EXPECT_TRUE(p.poll.enabled);
+    EXPECT_EQ(p.poll.interval, 20);
+    EXPECT_EQ(p.main->Core()->Tray(), p.main->Display());
+    EXPECT_EQ(p.main->Core()->AuxPictureBox(), &p.measure);
+
+    // The first tick registers with the plug-in through the hooked handler.
+    p.poll.tick();
+    EXPECT_EQ(p.channel.sent.at(0).command, kCmdRegister);
+    EXPECT_TRUE(p.main->Core()->PluginAlive());
+    // Notices now reach the core through the hook.
+    EXPECT_EQ(p.channel.Notice(4), 1);
+}
+
+TEST(cMainLogic, CloseIsDeferredAndTheTeardownRunsOnce) {
+    Program p;
+    ASSERT_TRUE(p.main->Form_Load(u"77"));
+    p.poll.tick();
+    p.main->setDisplayMode(kModeTray);
+    p.log.clear();
+
+    // The player closes: the notice only asks for the close.
+    EXPECT_EQ(p.channel.Notice(3), 0);
+    EXPECT_TRUE(p.destroy.enabled);
+    EXPECT_FALSE(p.main->Closing());
+    EXPECT_FALSE(p.main->Core()->PluginAlive());
+    EXPECT_TRUE(p.log.empty());
+
+    p.destroy.tick();
+    EXPECT_FALSE(p.destroy.enabled);
+    EXPECT_TRUE(p.main->Closing());
+    EXPECT_EQ(p.channel.removes, 1);
+    EXPECT_FALSE(p.poll.enabled);
+    EXPECT_FALSE(p.main->Plugin());
+    EXPECT_EQ(p.main->Display()->Window(), kModeDetached);
+    EXPECT_EQ(p.globals.Settings.window_mode, kModeTray);
+    EXPECT_EQ(p.log, (std::vector<std::string>{"stop auxiliary", "unload forms", "quit"}));
+    EXPECT_NE(p.ConfigText().find("window_mode=1"), std::string::npos);
+    // The unhooked handler takes nothing any more.
+    EXPECT_EQ(p.channel.Notice(4), -1);
+
+    p.main->Teardown();
+    p.main->closeProgram();
+    p.destroy.tick();
+    EXPECT_EQ(p.channel.removes, 1);
+    EXPECT_EQ(p.log.size(), 3u);
+}
+
+TEST(cMainLogic, ADetachedDisplayKeepsTheStoredMode) {
+    Program p;
+    p.globals.Settings.window_mode = 2;
+    ASSERT_TRUE(p.main->Form_Load(u"77"));
+    p.main->setDisplayMode(kModeDetached);
+    p.main->Teardown();
+    EXPECT_EQ(p.globals.Settings.window_mode, 2);
+}
+
+}  // namespace
+}  // namespace toval::test
