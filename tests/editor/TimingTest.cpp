@@ -1,0 +1,270 @@
+// Timing with the arrow keys and the mouse on a laid-out lyric (10 pixels per
+// character, 16 pixels per line), the pop-up menu and the preview.
+#include "EditorFixture.h"
+#include "core/cEventStream.h"
+
+namespace toval::test {
+namespace {
+
+using Ints = std::vector<int32_t>;
+
+class TimingTest : public EditorTest {};
+
+TEST_F(TimingTest, ForwardArrowWalksLinesThenRealWordsAndOverwritesAtTheEnd) {
+    // Line 1 is made of separators only.
+    StartTiming(u"Hi, you\r\n- -\r\nend");
+    ASSERT_EQ(editor.Step(), 2);
+    ASSERT_EQ(editor.Lyric()->GetLineSize(), 3);
+    Press(kKeyRight, 100);  // line 0 itself
+    EXPECT_EQ(editor.curLine(), 0);
+    EXPECT_EQ(editor.curWord(), kUnset);
+    Press(kKeyRight, 200);  // "Hi"
+    Press(kKeyRight, 300);  // "," and " " skipped: "you"
+    EXPECT_EQ(editor.curWord(), 3);
+    Press(kKeyRight, 400);  // line 1 as a line
+    Press(kKeyRight, 500);  // its words are all skipped: line 2
+    EXPECT_EQ(editor.curLine(), 2);
+    Press(kKeyRight, 600);  // "end", the last word
+    Press(kKeyRight, 700);  // nothing after it: "end" is overwritten
+    EXPECT_EQ(Times(Line(0)), Ints{100});
+    EXPECT_EQ(Times(Word(0, 0)), Ints{200});
+    EXPECT_EQ(Times(Word(0, 1)), Ints{});
+    EXPECT_EQ(Times(Word(0, 3)), Ints{300});
+    EXPECT_EQ(Times(Line(1)), Ints{400});
+    for (int32_t w = 0; w < Line(1)->GetWordSize(); ++w)
+        EXPECT_EQ(Times(Word(1, w)), Ints{});
+    EXPECT_EQ(Times(Line(2)), Ints{500});
+    EXPECT_EQ(Times(Word(2, 0)), Ints{700});
+    EXPECT_TRUE(editor.lastTimeSet());
+    EXPECT_EQ(editor.lastTime()->Time(), 700);
+}
+
+TEST_F(TimingTest, AgainKeyCorrectsTheLastStampAndDownArrowTakesTheNextLine) {
+    StartTiming(u"one two\r\nthree four");
+    Press(kKeyRight, 1000);  // line 0
+    Press(kKeyRight, 1100);  // "one"
+    Press(kKeyLeft, 1150);   // again: "one" corrected, nothing added
+    Press(kKeyLeft, 1160);
+    EXPECT_EQ(Times(Word(0, 0)), Ints{1160});
+    Press(kKeyDown, 2000);   // next line, skipping "two"
+    Press(kKeyUp, 2100);     // does nothing
+    Press(kKeyRight, 2200);  // "three"
+    EXPECT_EQ(Times(Line(1)), Ints{2000});
+    EXPECT_EQ(Times(Word(1, 0)), Ints{2200});
+    EXPECT_EQ(Times(Word(0, 2)), Ints{});
+    // A word sung twice: clicking it again appends a second time.
+    globals.PlayPosition = 3000;
+    editor.pb_Main_MouseDown(kButtonLeft, 0, 5, 3);
+    EXPECT_EQ(Times(Word(0, 0)), (Ints{1160, 3000}));
+}
+
+TEST_F(TimingTest, AnotherTrackMovesTheHighlightButStampsNothing) {
+    StartTiming(u"one two\r\nthree");
+    globals.TrackID = 7;
+    Press(kKeyRight, 100);
+    Press(kKeyRight, 200);
+    EXPECT_EQ(editor.curLine(), 0);
+    EXPECT_EQ(editor.curWord(), 0);
+    EXPECT_FALSE(editor.HasTimes());
+    editor.pb_Main_MouseDown(kButtonLeft, 0, 5, 20);
+    EXPECT_EQ(editor.curLine(), 1);
+    EXPECT_FALSE(editor.HasTimes());
+    EXPECT_FALSE(editor.CanUndo());
+}
+
+TEST_F(TimingTest, RightToLeftLyricSwapsTheArrowsAndWalksFromTheLastWord) {
+    const std::u16string a = u"\u05D0\u05D1", b = u"\u05D2\u05D3";
+    editor.Form_Load(music);
+    editor.chkRighttoleft_Click(true);
+    editor.txtEdit_Change(a + u" " + b);
+    editor.cmdNext_Click();
+    ASSERT_TRUE(editor.Lyric()->RightToLeft());
+    // Stored in visual order: b, blank, a.
+    ASSERT_EQ(Word(0, 0)->Text(), b);
+    Press(kKeyLeft, 100);   // next: the line
+    Press(kKeyLeft, 200);   // next: the last word, a (the first sung)
+    Press(kKeyLeft, 300);   // the blank is skipped: b
+    Press(kKeyRight, 350);  // again: b corrected
+    EXPECT_EQ(Times(Line(0)), Ints{100});
+    EXPECT_EQ(Times(Word(0, 2)), Ints{200});
+    EXPECT_EQ(Times(Word(0, 0)), Ints{350});
+}
+
+TEST_F(TimingTest, MouseHitsWordsLinesAndNothing) {
+    StartTiming(u"ab cd\r\nlonger line here");
+    // Line 0: "ab" 0-20, " " 20-30, "cd" 30-50; y 0-16.
+    globals.PlayPosition = 500;
+    editor.pb_Main_MouseDown(kButtonLeft, 0, 35.4, 3);
+    EXPECT_EQ(Times(Word(0, 2)), Ints{500});
+    globals.PlayPosition = 600;
+    editor.pb_Main_MouseDown(kButtonLeft, 0, 35, 3);  // the same word: overwritten
+    EXPECT_EQ(Times(Word(0, 2)), Ints{600});
+    globals.PlayPosition = 700;
+    editor.pb_Main_MouseDown(kButtonLeft, 0, 120, 8);  // beside the words: the line
+    EXPECT_EQ(Times(Line(0)), Ints{700});
+    editor.pb_Main_MouseDown(kButtonLeft, 0, 5, 500);  // below every line
+    EXPECT_EQ(editor.newLine(), kUnset);
+    EXPECT_EQ(editor.curLine(), kUnset);
+    editor.pb_Main_MouseDown(kButtonLeft, 0, 1e300, 5);  // no integer coordinate
+    EXPECT_EQ(editor.newLine(), kUnset);
+    editor.locateLineWord(12, 20);
+    EXPECT_EQ(editor.newLine(), 1);
+    EXPECT_EQ(editor.newWord(), 0);
+    // Outside the timing step the mouse does nothing.
+    editor.cmdNext_Click();
+    editor.pb_Main_MouseDown(kButtonLeft, 0, 5, 20);
+    EXPECT_EQ(Times(Word(1, 0)), Ints{});
+}
+
+TEST_F(TimingTest, HalvingSearchesFindEveryLineAndWord) {
+    std::u16string text;
+    for (int i = 0; i < 37; ++i)
+        text += u"w" + std::u16string(static_cast<size_t>(i % 5) + 1, u'x') + u" z\r\n";
+    StartTiming(text);
+    const int32_t lines = editor.Lyric()->GetLineSize();
+    ASSERT_EQ(lines, 37);
+    for (int32_t l = 0; l < lines; ++l) {
+        EXPECT_EQ(editor.searchLine(l * 16 + 8, 0, lines - 1), l);
+        const auto line = Line(l);
+        for (int32_t w = 0; w < line->GetWordSize(); ++w) {
+            const int32_t x = line->GetWord(w)->Delta()->Initial()->X() + 1;
+            EXPECT_EQ(editor.searchWord(*line, x, 0, line->GetWordSize() - 1), w);
+        }
+    }
+    EXPECT_EQ(editor.searchLine(-1, 0, lines - 1), kUnset);
+    EXPECT_EQ(editor.searchLine(37 * 16 + 1, 0, lines - 1), kUnset);
+    EXPECT_EQ(editor.searchLine(5, 0, -1), kUnset);
+}
+
+TEST_F(TimingTest, RightClickShowsTheElementsTimesAndRestoresTheHighlight) {
+    StartTiming(u"ab cd\r\nef gh");
+    Press(kKeyRight, 100);  // line 0
+    Press(kKeyRight, 200);  // ab
+    Press(kKeyRight, 250);  // cd
+    Press(kKeyRight, 300);  // line 1
+    // A word without times: empty lists, both sub-menus disabled.
+    editor.pb_Main_MouseDown(kButtonRight, 0, 35, 20);
+    ASSERT_EQ(view.menus.size(), 1u);
+    EXPECT_TRUE(view.menus[0].EditTimes.empty());
+    EXPECT_FALSE(view.menus[0].EditTimesEnabled);
+    EXPECT_FALSE(view.menus[0].DelFromEnabled);
+    // The target goes back to the line; restoring a line alone on the same
+    // line leaves the clicked word highlighted.
+    EXPECT_EQ(editor.curLine(), 1);
+    EXPECT_EQ(editor.curWord(), 2);
+    EXPECT_EQ(editor.newLine(), 1);
+    EXPECT_EQ(editor.newWord(), kUnset);
+    // A word of another line with a time: listed in both sub-menus.
+    editor.pb_Main_MouseDown(kButtonRight, 0, 5, 3);
+    ASSERT_EQ(view.menus.size(), 2u);
+    EXPECT_EQ(view.menus[1].EditTimes, std::vector<std::u16string>{u"00:00.200"});
+    EXPECT_EQ(view.menus[1].DelTimes, std::vector<std::u16string>{u"00:00.200"});
+    EXPECT_TRUE(view.menus[1].DelFromEnabled);
+    // From another line, the highlight returns to the remembered pair.
+    EXPECT_EQ(editor.curLine(), 1);
+    EXPECT_EQ(editor.curWord(), 2);
+    EXPECT_EQ(view.redrawn.back().line, 1);
+    EXPECT_TRUE(view.redrawn.back().highlighted);
+}
+
+TEST_F(TimingTest, MenuDeleteFromCutsTheWholeLyricOff) {
+    StartTiming(u"ab cd\r\nef gh");
+    int32_t t = 10000;
+    for (int i = 0; i < 6; ++i)
+        Press(kKeyRight, t += 1000);  // 11 s to 16 s
+    // Right click on "cd" (13 s), "delete from" its time: every time from
+    // 13 s on goes, on every line and word; earlier ones stay.
+    view.onMenu = [](const cEditorMenu& menu) {
+        EXPECT_EQ(menu.DelTimes.size(), 1u);
+        return cMenuChoice{cMenuChoice::DelTime, 1};
+    };
+    editor.pb_Main_MouseDown(kButtonRight, 0, 35, 3);
+    EXPECT_EQ(Times(Line(0)), Ints{11000});
+    EXPECT_EQ(Times(Word(0, 0)), Ints{12000});
+    EXPECT_EQ(Times(Word(0, 2)), Ints{});
+    EXPECT_EQ(Times(Line(1)), Ints{});
+    EXPECT_EQ(Times(Word(1, 0)), Ints{});
+    // Undo brings them back.
+    EXPECT_TRUE(editor.Undo());
+    EXPECT_EQ(Times(Word(1, 2)), Ints{16000});
+}
+
+TEST_F(TimingTest, MenuDeletesAndEditsTheClickedElementsTimes) {
+    StartTiming(u"ab cd\r\nef gh");
+    Press(kKeyRight, 100);
+    Press(kKeyRight, 200);
+    Press(kKeyLeft, 210);
+    globals.PlayPosition = 800;
+    editor.pb_Main_MouseDown(kButtonLeft, 0, 5, 20);  // "ef"
+    globals.PlayPosition = 900;
+    editor.pb_Main_MouseDown(kButtonLeft, 0, 5, 3);  // "ab" again: two times
+    ASSERT_EQ(Times(Word(0, 0)), (Ints{210, 900}));
+    // Edit the second time by text.
+    view.onMenu = [](const cEditorMenu&) { return cMenuChoice{cMenuChoice::EditTime, 2}; };
+    view.onEditTime = [](cEditTime& dialog) {
+        dialog.setTxtEdit(u"00:01.5");
+        return std::vector<int32_t>{'x', kKeyEnter};
+    };
+    editor.pb_Main_MouseDown(kButtonRight, 0, 5, 3);
+    EXPECT_EQ(view.editTimeShown, std::vector<std::u16string>{u"00:00.900"});
+    EXPECT_EQ(Times(Word(0, 0)), (Ints{210, 1500}));
+    // An empty field removes that time.
+    view.onEditTime = [](cEditTime& dialog) {
+        dialog.setTxtEdit(u"");
+        return std::vector<int32_t>{kKeyEnter};
+    };
+    editor.pb_Main_MouseDown(kButtonRight, 0, 5, 3);
+    EXPECT_EQ(Times(Word(0, 0)), Ints{210});
+    // Escape changes nothing and leaves no undo step.
+    const size_t steps = editor.History().UndoSize();
+    view.onEditTime = [](cEditTime& dialog) {
+        dialog.setTxtEdit(u"");
+        return std::vector<int32_t>{kKeyEscape};
+    };
+    editor.pb_Main_MouseDown(kButtonRight, 0, 5, 3);
+    EXPECT_EQ(Times(Word(0, 0)), Ints{210});
+    EXPECT_EQ(editor.History().UndoSize(), steps);
+    // "Delete times" of the element drops the pending last stamp too.
+    view.onMenu = [](const cEditorMenu&) { return cMenuChoice{cMenuChoice::DelTimes, 0}; };
+    editor.pb_Main_MouseDown(kButtonRight, 0, 100, 3);  // line 0 itself
+    EXPECT_EQ(Times(Line(0)), Ints{});
+    EXPECT_EQ(Times(Line(1)), Ints{});
+    EXPECT_EQ(Times(Word(0, 0)), Ints{210});
+    EXPECT_FALSE(editor.lastTimeSet());
+}
+
+TEST_F(TimingTest, PreviewFollowsThePlayPositionOnlyForTheEditorsTrack) {
+    StartTiming(u"ab cd\r\nef gh");
+    Press(kKeyRight, 1000);
+    Press(kKeyRight, 1000);
+    Press(kKeyRight, 2000);
+    Press(kKeyRight, 3000);
+    editor.cmdNext_Click();
+    ASSERT_EQ(editor.Step(), 3);
+    EXPECT_TRUE(timer.enabled);
+    EXPECT_EQ(timer.interval, 12);  // half of 25 ms, halves to even
+    EXPECT_FALSE(editor.lastTimeSet());
+    globals.PlayPosition = 2500;
+    timer.tick();
+    EXPECT_EQ(editor.curLine(), 0);
+    EXPECT_EQ(editor.curWord(), 2);
+    globals.PlayPosition = 3100;
+    globals.TrackID = 1;  // another track: the preview stands still
+    timer.tick();
+    EXPECT_EQ(editor.curLine(), 0);
+    globals.TrackID = 4242;
+    timer.tick();
+    EXPECT_EQ(editor.curLine(), 1);
+    EXPECT_EQ(editor.curWord(), kUnset);
+    // Keys do nothing in the preview.
+    Press(kKeyRight, 5000);
+    EXPECT_EQ(Times(Word(1, 0)), Ints{});
+    // Back to timing: the timer stops and the highlight is reset.
+    editor.cmdBack_Click();
+    EXPECT_FALSE(timer.enabled);
+    EXPECT_EQ(editor.curLine(), kUnset);
+    EXPECT_EQ(editor.Stream(), nullptr);
+}
+
+}  // namespace
+}  // namespace toval::test
