@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/FakeLyricSource.h"
+#include "core/RecordingDisplay.h"
 #include "core/cEventStream.h"
 #include "core/cMusic.h"
 #include "core/cPlugin.h"
@@ -20,34 +21,6 @@
 
 namespace toval::test {
 namespace {
-
-// A display that also records what the controller asks of it.
-class RecordingDisplay : public cDisplay {
-  public:
-    using cDisplay::cDisplay;
-    void Clear() override {
-        log.push_back("Clear");
-        cDisplay::Clear();
-    }
-    void ReajustWindow() override {
-        log.push_back("ReajustWindow");
-        cDisplay::ReajustWindow();
-    }
-    void setLyric(std::shared_ptr<cLyric> lyric) override {
-        log.push_back("Lyric");
-        cDisplay::setLyric(std::move(lyric));
-    }
-    void setMusic(std::shared_ptr<cMusic> music) override {
-        log.push_back("Music");
-        cDisplay::setMusic(std::move(music));
-    }
-    void ChooseText(int32_t line, int32_t word) override {
-        log.push_back("Choose " + std::to_string(line) + " " + std::to_string(word));
-        cDisplay::ChooseText(line, word);
-    }
-    std::vector<std::string> Take() { return std::exchange(log, {}); }
-    std::vector<std::string> log;
-};
 
 struct Rig {
     cGlobals globals;
