@@ -49,15 +49,20 @@ void cErrorLog::Write(const std::vector<std::string>& texts) {
     out.write(line.data(), static_cast<std::streamsize>(line.size()));
 }
 
-void setErrorTrail(cErrorLog* log) { gTrail = log; }
-cErrorLog* ErrorTrailLog() { return gTrail; }
+void setErrorTrail(cErrorLog* log) {
+    gTrail = log;
+}
+cErrorLog* ErrorTrailLog() {
+    return gTrail;
+}
 
 void ErrorTrail(std::initializer_list<std::string_view> texts) noexcept {
     try {
         if (!gTrail) return;
         std::vector<std::string> copy;
         copy.reserve(texts.size());
-        for (std::string_view text : texts) copy.emplace_back(text);
+        for (std::string_view text : texts)
+            copy.emplace_back(text);
         gTrail->Write(copy);
     } catch (...) {
         // The trail is the last resort: a failure to write it goes nowhere.

@@ -21,7 +21,7 @@
 namespace toval {
 
 class cErrorLog {
-public:
+  public:
     // folder: the program folder, with its trailing separator.
     cErrorLog(std::u16string folder, Clock& clock);
     virtual ~cErrorLog() = default;
@@ -34,7 +34,7 @@ public:
 
     const std::u16string& File() const { return file_; }
 
-private:
+  private:
     std::u16string file_;
     Clock& clock_;
 };

@@ -8,8 +8,12 @@ namespace toval {
 
 namespace {
 
-constexpr bool IsBlank(char32_t c) { return c == u' ' || c == u'\t'; }
-constexpr bool IsDigit(char32_t c) { return c >= u'0' && c <= u'9'; }
+constexpr bool IsBlank(char32_t c) {
+    return c == u' ' || c == u'\t';
+}
+constexpr bool IsDigit(char32_t c) {
+    return c >= u'0' && c <= u'9';
+}
 
 // Shared scanner for both text widths. Builds the accepted characters into an
 // ASCII buffer for from_chars ("D" exponents become "e", a "+" sign is dropped).
@@ -19,13 +23,15 @@ template <class Char>
 bool ScanNumber(std::basic_string_view<Char> text, double* out) {
     size_t i = 0;
     const size_t n = text.size();
-    while (i < n && IsBlank(text[i])) ++i;
+    while (i < n && IsBlank(text[i]))
+        ++i;
     std::string ascii;
     ascii.reserve(n - i);
     if (i < n && (text[i] == '+' || text[i] == '-')) {
         if (text[i] == '-') ascii.push_back('-');
         ++i;
-        while (i < n && IsBlank(text[i])) ++i;
+        while (i < n && IsBlank(text[i]))
+            ++i;
     }
     size_t digits = 0;
     while (i < n && IsDigit(text[i])) {
@@ -58,7 +64,8 @@ bool ScanNumber(std::basic_string_view<Char> text, double* out) {
         }
         if (expDigits == 0) return false;
     }
-    while (i < n && IsBlank(text[i])) ++i;
+    while (i < n && IsBlank(text[i]))
+        ++i;
     if (i != n) return false;
     if (out) {
         double value = 0;
@@ -66,8 +73,8 @@ bool ScanNumber(std::basic_string_view<Char> text, double* out) {
         if (result.ec == std::errc::result_out_of_range) {
             // Too large: infinity, so that every integer conversion refuses it.
             // Too small: zero.
-            const bool huge = ascii.find('e') == std::string::npos ||
-                              ascii.find("e-") == std::string::npos;
+            const bool huge =
+                ascii.find('e') == std::string::npos || ascii.find("e-") == std::string::npos;
             value = huge ? std::numeric_limits<double>::infinity() : 0.0;
             if (huge && ascii[0] == '-') value = -value;
         }
@@ -104,20 +111,42 @@ double RoundHalfEven(double value) {
     return std::fmod(lower, 2.0) == 0.0 ? lower : lower + 1.0;
 }
 
-bool ToInt32(double value, int32_t& out) { return ToInt(value, out); }
-bool ToInt16(double value, int16_t& out) { return ToInt(value, out); }
-bool ToByte(double value, uint8_t& out) { return ToInt(value, out); }
+bool ToInt32(double value, int32_t& out) {
+    return ToInt(value, out);
+}
+bool ToInt16(double value, int16_t& out) {
+    return ToInt(value, out);
+}
+bool ToByte(double value, uint8_t& out) {
+    return ToInt(value, out);
+}
 
-bool IsNumeric(std::u16string_view text) { return ScanNumber(text, nullptr); }
-bool IsNumeric(std::string_view text) { return ScanNumber(text, nullptr); }
-bool ParseNumber(std::u16string_view text, double& out) { return ScanNumber(text, &out); }
-bool ParseNumber(std::string_view text, double& out) { return ScanNumber(text, &out); }
+bool IsNumeric(std::u16string_view text) {
+    return ScanNumber(text, nullptr);
+}
+bool IsNumeric(std::string_view text) {
+    return ScanNumber(text, nullptr);
+}
+bool ParseNumber(std::u16string_view text, double& out) {
+    return ScanNumber(text, &out);
+}
+bool ParseNumber(std::string_view text, double& out) {
+    return ScanNumber(text, &out);
+}
 
-bool TextToInt32(std::u16string_view text, int32_t& out) { return TextToInt(text, out); }
-bool TextToInt16(std::u16string_view text, int16_t& out) { return TextToInt(text, out); }
-bool TextToByte(std::u16string_view text, uint8_t& out) { return TextToInt(text, out); }
+bool TextToInt32(std::u16string_view text, int32_t& out) {
+    return TextToInt(text, out);
+}
+bool TextToInt16(std::u16string_view text, int16_t& out) {
+    return TextToInt(text, out);
+}
+bool TextToByte(std::u16string_view text, uint8_t& out) {
+    return TextToInt(text, out);
+}
 
-std::string DecimalBytes(int64_t value) { return std::to_string(value); }
+std::string DecimalBytes(int64_t value) {
+    return std::to_string(value);
+}
 
 std::u16string DecimalText(int64_t value) {
     const std::string bytes = std::to_string(value);
