@@ -1,0 +1,214 @@
+// The lyric service and the lyric lookup over real sockets against a service
+// on 127.0.0.1 that speaks the protocol.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/cMusic.h"
+#include "fakes/FakeRandom.h"
+#include "fakes/TempDir.h"
+#include "lyric/cLyric.h"
+#include "lyric/cLyricFile.h"
+#include "net/cTovalSite.h"
+#include "posix/FakeLyricService.h"
+#include "posix/cPosixLoop.h"
+#include "posix/cPosixSocket.h"
+#include "posix/cPosixTimer.h"
+
+namespace toval::test {
+namespace {
+
+using Behaviour = FakeLyricService::Behaviour;
+
+std::string Read(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+class ServiceLoopbackTest : public ::testing::Test {
+  protected:
+    ServiceLoopbackTest() {
+        globals.Settings.conn_Server = service.Host();
+        globals.PlaylistPosition = 1;
+        timer->setInterval(kInternetTimeout);
+        site.setSocket(std::make_shared<cPosixSocket>(loop));
+        site.setTime(timer);
+        site.onToval = [this](int32_t result, int32_t id) {
+            results.push_back(result);
+            ids.push_back(id);
+        };
+        track.setArtist(u"Ann \u00c9");
+        track.setTitle(u"Harbour & Lanterns");
+        track.setMiliDuration(18000);
+    }
+
+    bool await(size_t count, int32_t limitMs = 8000) {
+        return loop.RunUntil([&] { return results.size() >= count; }, limitMs);
+    }
+
+    FakeLyricService service;
+    cPosixLoop loop;
+    cGlobals globals;
+    std::shared_ptr<cPosixTimer> timer = std::make_shared<cPosixTimer>(loop);
+    cTovalSite site{globals};
+    cMusic track;
+    std::vector<int32_t> results, ids;
+};
+
+TEST_F(ServiceLoopbackTest, SentLyricComesBackFromTheServiceAsItWasSent) {
+    auto lyric = std::make_shared<cLyric>();
+    lyric->setLoad(
+        u"[PROPERTY]\r\nMUTATION:4242\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY]"
+        u"[1000]<1000>Caf\u00e9 <1500>& <1800>\u4e2d\r\n[]\r\n[3000]last\r\n");
+    site.Save(track, lyric, 7);
+    ASSERT_TRUE(await(1));
+    EXPECT_EQ(results[0], cTovalSite::kSuccess);
+    EXPECT_EQ(ids[0], 7);
+
+    const auto requests = service.Requests();
+    ASSERT_EQ(requests.size(), 1u);
+    EXPECT_EQ(requests[0].method, "POST");
+    EXPECT_EQ(requests[0].script, "/website/tvl_insert.php");
+    EXPECT_EQ(requests[0].Keys(), (std::vector<std::string>{"art", "alb", "tit", "dur", "siz",
+                                                            "mut", "vrs", "tvl", "add"}));
+    EXPECT_EQ(requests[0].Value("art"), "Ann \xC3\x89");
+    EXPECT_EQ(requests[0].Value("tit"), "Harbour & Lanterns");
+    EXPECT_EQ(requests[0].Value("dur"), "18");
+    EXPECT_EQ(requests[0].Value("mut"), "4242");
+    EXPECT_EQ(requests[0].Value("vrs"), "1030001");
+    FakeLyricService::Entry stored;
+    ASSERT_TRUE(service.Stored("Ann \xC3\x89", "Harbour & Lanterns", stored));
+    EXPECT_EQ(stored.lyric,
+              "[PROPERTY]\r\nMUTATION:4242\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY]"
+              "[1000]<1000>Caf\xC3\xA9 <1500>& <1800>\xE4\xB8\xAD\r\n[]\r\n[3000]last\r\n");
+
+    // Asked for it with another revision, the service sends it back; asked
+    // with the same revision, it has nothing newer.
+    site.Load(track, 8, 1);
+    ASSERT_TRUE(await(2));
+    EXPECT_EQ(results[1], cTovalSite::kLyric);
+    cLyric back;
+    back.setLoad(site.Lyric());
+    EXPECT_EQ(back.TVL(), lyric->TVL());
+    site.Load(track, 9, 4242);
+    ASSERT_TRUE(await(3));
+    EXPECT_EQ(results[2], cTovalSite::kNoUpdates);
+    EXPECT_EQ(service.Requests()[2].Keys(),
+              (std::vector<std::string>{"art", "alb", "tit", "dur", "siz", "mut", "vrs", "get"}));
+}
+
+TEST_F(ServiceLoopbackTest, EveryServiceBehaviourEndsInItsResultCode) {
+    service.AddLyric("Ann \xC3\x89", "Harbour & Lanterns", "[1000]one<br>[2000]two &amp; three");
+    const struct {
+        Behaviour behaviour;
+        int32_t result;
+    } cases[] = {
+        {Behaviour::kNormal, cTovalSite::kLyric},
+        {Behaviour::kSlow, cTovalSite::kLyric},
+        {Behaviour::kSqlError, cTovalSite::kSqlError},
+        {Behaviour::kSqlConnectionError, cTovalSite::kSqlError},
+        {Behaviour::kBrokenEnvelope, cTovalSite::kFailure},
+        {Behaviour::kNoEnvelope, cTovalSite::kFailure},
+        {Behaviour::kServerError, cTovalSite::kFailure},
+    };
+    int32_t mode = 100;
+    for (const auto& c : cases) {
+        service.setBehaviour(c.behaviour);
+        results.clear();
+        site.Load(track, mode, mode);  // a new mode: never the repeat of the last URL
+        ++mode;
+        ASSERT_TRUE(await(1)) << static_cast<int>(c.behaviour);
+        EXPECT_EQ(results[0], c.result) << static_cast<int>(c.behaviour);
+        if (c.result == cTovalSite::kLyric) {
+            EXPECT_EQ(site.Lyric(), u"[1000]one\r\n[2000]two & three");
+        }
+    }
+
+    // Nothing listening.
+    globals.Settings.conn_Server = u"127.0.0.1:" + [] {
+        const std::string port = std::to_string(LoopbackServer::ClosedPort());
+        return std::u16string(port.begin(), port.end());
+    }();
+    results.clear();
+    site.Load(track, 1, 0);
+    ASSERT_TRUE(await(1));
+    EXPECT_EQ(results[0], cTovalSite::kFailure);
+}
+
+TEST_F(ServiceLoopbackTest, AnswerThatNeverEndsTimesOut) {
+    service.setBehaviour(Behaviour::kEndless);
+    site.Load(track, 3, 0);
+    timer->setInterval(300);
+    ASSERT_TRUE(await(1, 8000));
+    EXPECT_EQ(results[0], cTovalSite::kFailure);
+    EXPECT_EQ(ids[0], 3);
+}
+
+TEST_F(ServiceLoopbackTest, MovedServiceIsFollowedByTheNextRequest) {
+    FakeLyricService next;
+    next.AddLyric("Ann \xC3\x89", "Harbour & Lanterns", "[1]moved");
+    const std::string host = "127.0.0.1:" + std::to_string(next.Port());
+    service.setBehaviour(Behaviour::kMoved, host);
+    service.setAnnounce("1030004");
+    site.Load(track, 1, 0);
+    ASSERT_TRUE(await(1));
+    EXPECT_EQ(results[0], cTovalSite::kNotFound);
+    EXPECT_TRUE(site.ServerMoved());
+    EXPECT_EQ(globals.Settings.conn_Server, next.Host());
+    EXPECT_EQ(globals.lastUpdateVersion, 1030004);
+
+    site.Load(track, 2, 0);
+    ASSERT_TRUE(await(2));
+    EXPECT_EQ(results[1], cTovalSite::kLyric);
+    EXPECT_EQ(site.Lyric(), u"[1]moved");
+    EXPECT_EQ(next.Requests().size(), 1u);
+}
+
+TEST(ServiceLookupLoopback, TrackWithoutLyricGetsOneFromTheServiceAndKeepsIt) {
+    FakeLyricService service;
+    service.AddLyric("Ann", "Tide", "[500]from the service\r\n", "77");
+    TempDir music, cache;
+    cPosixLoop loop;
+    cGlobals globals;
+    globals.Settings.conn_Server = service.Host();
+    globals.Settings.cache_simple = false;
+    globals.PlaylistPosition = 9;
+    FakeRandom random;
+    cLyricFile lookup(globals, std::make_unique<cCache>(globals, random, cache.folder()));
+    lookup.setSocket(std::make_shared<cPosixSocket>(loop));
+    lookup.setTime(std::make_shared<cPosixTimer>(loop));
+    auto track = std::make_shared<cMusic>();
+    track->setArtist(u"Ann");
+    track->setTitle(u"Tide");
+    track->setFileAddress(music.file(u"tide.ogg"));
+    lookup.setMusic(track);
+    std::vector<int32_t> statuses;
+    lookup.onLoaded = [&](int32_t id, int32_t status) {
+        EXPECT_EQ(id, 9);
+        statuses.push_back(status);
+    };
+
+    lookup.Load(9);
+    EXPECT_EQ(statuses, std::vector<int32_t>{4});
+    EXPECT_EQ(lookup.Lyric(), u"Ann - Tide\r\n\r\n");
+    ASSERT_TRUE(loop.RunUntil([&] { return statuses.size() == 2; }, 8000));
+    EXPECT_EQ(statuses[1], 2);
+    EXPECT_EQ(Read(music.path() / "tide.tvl"), "[500]from the service\r\n");
+
+    // Next time the file beside the track answers; the service is asked again
+    // only for something newer than the lyric at hand.
+    lookup.Load(9);
+    EXPECT_EQ(statuses.back(), 1);
+    EXPECT_EQ(service.Requests().size(), 1u);
+    lookup.LoadFrom(2, 9, 77);
+    loop.RunUntil([&] { return service.Requests().size() == 2; }, 8000);
+    loop.RunUntil([] { return false; }, 200);
+    EXPECT_EQ(statuses.size(), 3u) << "nothing newer: no event";
+}
+
+}  // namespace
+}  // namespace toval::test
