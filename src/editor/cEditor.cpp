@@ -136,6 +136,7 @@ void cEditor::BeforeChange() {
 }
 
 void cEditor::AfterChange() {
+    if (history_.DropIfUnchanged(*lyric_)) return;
     Mutated();
     if (step_ == 3 && stream_) stream_->Load(lyric_);
 }
@@ -284,7 +285,7 @@ void cEditor::updateStep(int32_t step) {
         if (fold) {
             BeforeChange();
             implodeToval();
-            Mutated();
+            AfterChange();
             if (curLine_ != kUnset && curLine_ >= lyric_->GetLineSize()) ResetCursor();
         }
         Relayout();

@@ -75,6 +75,12 @@ void cUndoHistory::Record(const cLyric& lyric) {
     redo_.clear();
 }
 
+bool cUndoHistory::DropIfUnchanged(const cLyric& lyric) {
+    if (undo_.empty() || !(undo_.back() == Take(lyric))) return false;
+    undo_.pop_back();
+    return true;
+}
+
 bool cUndoHistory::Undo(cLyric& lyric) {
     if (undo_.empty()) return false;
     Snapshot previous = std::move(undo_.back());

@@ -26,6 +26,10 @@ class cUndoHistory {
     bool Undo(cLyric& lyric);
     bool Redo(cLyric& lyric);
 
+    // Call after the change: when the lyric is still as Record found it, the
+    // step is dropped and true answered (nothing changed).
+    bool DropIfUnchanged(const cLyric& lyric);
+
     bool CanUndo() const { return !undo_.empty(); }
     bool CanRedo() const { return !redo_.empty(); }
     size_t UndoSize() const { return undo_.size(); }
@@ -36,12 +40,14 @@ class cUndoHistory {
     struct Word {
         std::u16string text;
         std::vector<int32_t> times;
+        bool operator==(const Word&) const = default;
     };
     struct Line {
         std::u16string text;
         bool karaoke = false;
         std::vector<int32_t> times;
         std::vector<Word> words;
+        bool operator==(const Line&) const = default;
     };
     using Snapshot = std::vector<Line>;
 

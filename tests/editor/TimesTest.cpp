@@ -1,0 +1,235 @@
+// Range operations on times, the advanced dialog's checks and actions, and
+// the single-time dialog.
+#include "EditorFixture.h"
+#include "editor/cEditAdvTime.h"
+#include "editor/cEditTime.h"
+
+namespace toval::test {
+namespace {
+
+using Ints = std::vector<int32_t>;
+
+class TimesTest : public EditorTest {
+  protected:
+    void SetUp() override {
+        // Line times, word times, a word sung twice.
+        editor.Lyric()->setLoad(
+            u"[200]<200>a <12000>b\r\n"
+            u"[5000][30000]<5000>c <5500><31000>d\r\n"
+            u"[]<>e\r\n");
+        editor.Form_Load(music);
+        editor.updateStep(2);
+    }
+    // Every time in walk order: line times then word times, line by line.
+    std::vector<Ints> All() {
+        std::vector<Ints> out;
+        for (int32_t l = 0; l < editor.Lyric()->GetLineSize(); ++l) {
+            out.push_back(Times(Line(l)));
+            for (int32_t w = 0; w < Line(l)->GetWordSize(); ++w)
+                out.push_back(Times(Word(l, w)));
+        }
+        return out;
+    }
+};
+
+TEST_F(TimesTest, LimitsDeleteDelayAndAdjustOverARange) {
+    // updateStep(2) rebuilt the lyric from the (empty) text box: load again.
+    editor.Lyric()->setLoad(u"[200]<200>a <12000>b\r\n[5000][30000]<5000>c <5500><31000>d\r\n");
+    int32_t low = 0, high = 0;
+    editor.getTimerLimits(low, high);
+    EXPECT_EQ(low, 200);
+    EXPECT_EQ(high, 31000);
+
+    editor.setDelay(-500, 0, 5000);  // nothing clamped: 200 becomes -300
+    EXPECT_EQ(All(),
+              (std::vector<Ints>{{-300}, {-300}, {12000}, {4500, 30000}, {4500}, {5500, 31000}}));
+
+    // Adjust onto the same span changes nothing; a real one is linear with
+    // halves to even: (t - 4500) * 0.5 + 1000.
+    editor.setAdjust(1.0, 4500, 4500, 5500);
+    EXPECT_EQ(All()[3], (Ints{4500, 30000}));
+    editor.setAdjust(0.5, 1000, 4500, 5500);
+    EXPECT_EQ(All(),
+              (std::vector<Ints>{{-300}, {-300}, {12000}, {1000, 30000}, {1000}, {1500, 31000}}));
+    editor.setAdjust(0.0005, 0, 1000, 1000);  // 0 * factor: start goes to newStart
+    EXPECT_EQ(All()[3], (Ints{0, 30000}));
+    editor.setAdjust(1.0 / 3.0, 0, 30000, 31000);  // 333.33 -> 333; 0 -> 0
+    EXPECT_EQ(All()[3], (Ints{0, 0}));
+    EXPECT_EQ(All()[5], (Ints{1500, 333}));
+    editor.setAdjust(0.5, 0, 12000, 12001);  // 0.5 of 1 rounds to 0 (even)
+    editor.setAdjust(0.5, 0, 12000, 12000);
+    EXPECT_EQ(All()[2], (Ints{0}));
+
+    editor.delTimes(0, 1000);  // inclusive at both ends
+    EXPECT_EQ(All(), (std::vector<Ints>{{-300}, {-300}, {}, {}, {}, {1500}}));
+    editor.delTimes(INT32_MIN, INT32_MAX);
+    EXPECT_FALSE(editor.HasTimes());
+    editor.getTimerLimits(low, high);
+    EXPECT_EQ(low, INT32_MAX);  // no time: the start values come back
+    EXPECT_EQ(high, INT32_MIN);
+}
+
+TEST_F(TimesTest, ArithmeticThatLeaves32BitsStopsWithoutWrapping) {
+    editor.Lyric()->setLoad(u"[2147483000]<10>a <2147483600>b\r\n");
+    editor.setDelay(1000, 0, INT32_MAX);
+    // The line time would overflow: the walk stops there, nothing else moves.
+    EXPECT_EQ(Times(Line(0)), Ints{2147483000});
+    EXPECT_EQ(Times(Word(0, 0)), Ints{10});
+    editor.setDelay(INT32_MIN, 0, 100);  // 10 - 2^31 still fits
+    EXPECT_EQ(Times(Word(0, 0)), Ints{INT32_MIN + 10});
+    editor.setDelay(-11, INT32_MIN, 0);  // one below the smallest: stops
+    EXPECT_EQ(Times(Word(0, 0)), Ints{INT32_MIN + 10});
+    editor.setDelay(-10, INT32_MIN, 0);
+    EXPECT_EQ(Times(Word(0, 0)), Ints{INT32_MIN});
+    editor.setAdjust(1e10, 0, 0, INT32_MAX);
+    EXPECT_EQ(Times(Line(0)), Ints{2147483000});
+    editor.setAdjust(std::nan(""), 0, 0, INT32_MAX);
+    EXPECT_EQ(Times(Line(0)), Ints{2147483000});
+    editor.setAdjust(-1.0, 0, INT32_MIN, INT32_MAX);  // t - from needs 64 bits
+    EXPECT_EQ(Times(Line(0)), Ints{2147483000});
+}
+
+TEST(EditAdvTime, PrefillsFromTheLimitsAndChecksFieldsInOrder) {
+    cEditAdvTime dialog;
+    dialog.Prefill(INT32_MAX, INT32_MIN);  // a lyric without times
+    for (int32_t f = 0; f < cEditAdvTime::kFieldCount; ++f)
+        EXPECT_EQ(dialog.txtEdit(f), u"00:00.000");
+    dialog.Prefill(1500, 61005);
+    EXPECT_EQ(dialog.txtEdit(cEditAdvTime::kFrom), u"00:01.500");
+    EXPECT_EQ(dialog.txtEdit(cEditAdvTime::kTo), u"01:01.005");
+    EXPECT_EQ(dialog.txtEdit(cEditAdvTime::kNewStart), u"00:01.500");
+    EXPECT_EQ(dialog.txtEdit(cEditAdvTime::kNewEnd), u"01:01.005");
+
+    // Only the fields of the chosen options are read: a bad adjust field does
+    // not matter for a delay over everything.
+    dialog.optAll_Click();
+    dialog.optDelay_Click();
+    dialog.setTxtEdit(cEditAdvTime::kNewStart, u"01:xx");
+    dialog.setTxtEdit(cEditAdvTime::kDelayBy, u"-00:00.5");
+    EXPECT_EQ(dialog.cmdOk(), -1);
+    EXPECT_EQ(dialog.ResultBits(), cEditAdvTime::kDelay);
+    EXPECT_EQ(dialog.Delay(), -500);
+
+    // Range from, range to, then the action's fields.
+    dialog.optFrom_Click();
+    dialog.optAdjust_Click();
+    dialog.setTxtEdit(cEditAdvTime::kTo, u"01:02.");
+    dialog.setTxtEdit(cEditAdvTime::kFrom, u"x:1");
+    EXPECT_EQ(dialog.cmdOk(), cEditAdvTime::kFrom);
+    EXPECT_EQ(dialog.FocusField(), cEditAdvTime::kFrom);
+    EXPECT_EQ(dialog.SelLength(), 3);
+    dialog.setTxtEdit(cEditAdvTime::kFrom, u"2000");  // a number is milliseconds
+    EXPECT_EQ(dialog.cmdOk(), cEditAdvTime::kTo);
+    dialog.setTxtEdit(cEditAdvTime::kTo, u"00:01");
+    EXPECT_EQ(dialog.cmdOk(), cEditAdvTime::kNewStart);
+    dialog.setTxtEdit(cEditAdvTime::kNewStart, u"0");
+    EXPECT_EQ(dialog.cmdOk(), -1);
+    EXPECT_EQ(dialog.ResultBits(), cEditAdvTime::kRange | cEditAdvTime::kAdjust);
+    // A range typed backwards is taken from its lower end.
+    EXPECT_EQ(dialog.From(), 1000);
+    EXPECT_EQ(dialog.To(), 2000);
+    EXPECT_EQ(dialog.NewEnd(), 61005);
+}
+
+TEST_F(TimesTest, AdvancedEditingAppliesTheChosenAction) {
+    editor.Lyric()->setLoad(u"[1000]<1000>a <2000>b\r\n[3000]<3000>c <5000>d\r\n");
+    // Cancel: nothing.
+    editor.mnuAdv_Click();
+    EXPECT_EQ(view.advOpened, 1);
+    EXPECT_EQ(view.advPrefill[0], u"00:01.000");
+    EXPECT_EQ(view.advPrefill[1], u"00:05.000");
+    EXPECT_FALSE(editor.CanUndo());
+
+    // Adjust over the whole lyric: limits 1000..5000 onto 0..8000 (x2).
+    view.onAdv = [](cEditAdvTime& d) {
+        d.optAll_Click();
+        d.optAdjust_Click();
+        d.setTxtEdit(cEditAdvTime::kNewStart, u"0");
+        d.setTxtEdit(cEditAdvTime::kNewEnd, u"00:08");
+        return true;
+    };
+    const int32_t before = editor.Lyric()->Mutation();
+    editor.mnuAdv_Click();
+    EXPECT_EQ(All(), (std::vector<Ints>{{0}, {0}, {2000}, {4000}, {4000}, {8000}}));
+    EXPECT_NE(editor.Lyric()->Mutation(), before);
+
+    // A refused OK keeps the dialog open; the user fixes the field.
+    view.onAdv = [n = 0](cEditAdvTime& d) mutable {
+        d.optFrom_Click();
+        d.optDelay_Click();
+        d.setTxtEdit(cEditAdvTime::kFrom, u"00:02");
+        d.setTxtEdit(cEditAdvTime::kTo, n++ == 0 ? u"bad:" : u"00:04");
+        d.setTxtEdit(cEditAdvTime::kDelayBy, u"250");
+        return true;
+    };
+    editor.mnuAdv_Click();
+    EXPECT_EQ(view.advRefused, Ints{cEditAdvTime::kTo});
+    EXPECT_EQ(All(), (std::vector<Ints>{{0}, {0}, {2250}, {4250}, {4250}, {8000}}));
+
+    // Delete without a range: every time goes.
+    view.onAdv = [](cEditAdvTime& d) {
+        d.optAll_Click();
+        d.optDelete_Click();
+        return true;
+    };
+    editor.mnuAdv_Click();
+    EXPECT_FALSE(editor.HasTimes());
+    // Adjust on a lyric without times: nothing happens.
+    view.onAdv = [](cEditAdvTime& d) {
+        d.optAdjust_Click();
+        return true;
+    };
+    editor.mnuAdv_Click();
+    EXPECT_FALSE(editor.HasTimes());
+    // Every step that changed something undoes; the empty adjust left none.
+    EXPECT_EQ(editor.History().UndoSize(), 3u);
+    EXPECT_TRUE(editor.Undo());
+    EXPECT_EQ(All()[2], (Ints{2250}));
+    EXPECT_TRUE(editor.Undo());
+    EXPECT_TRUE(editor.Undo());
+    EXPECT_EQ(All()[2], (Ints{2000}));
+    EXPECT_FALSE(editor.Undo());
+}
+
+TEST(EditTime, EnterAppliesTheFieldToATimeOrRemovesIt) {
+    auto line = std::make_shared<cLyricLine>();
+    line->AddTime(std::make_shared<cTime>(1000));
+    line->AddTime(std::make_shared<cTime>(2000));
+    const cTimedElement element{line, nullptr};
+    cEditTime dialog;
+    dialog.OpenFormObj(element, 1);
+    EXPECT_EQ(dialog.txtEdit(), u"00:02.000");
+    dialog.setTxtEdit(u"00:00.5");  // past its neighbour: allowed
+    EXPECT_FALSE(dialog.txtEdit_KeyPress('5'));
+    EXPECT_TRUE(dialog.txtEdit_KeyPress(kKeyEnter));
+    EXPECT_EQ(line->GetTime(1)->Time(), 500);
+    dialog.OpenFormObj(element, 0);
+    dialog.setTxtEdit(u"");
+    EXPECT_TRUE(dialog.txtEdit_KeyPress(kKeyEnter));
+    ASSERT_EQ(line->GetTimeSize(), 1);
+    EXPECT_EQ(line->GetTime(0)->Time(), 500);
+    // A bad text gives the no-time mark, as every time text does.
+    dialog.OpenFormObj(element, 0);
+    dialog.setTxtEdit(u"01:xx");
+    dialog.txtEdit_KeyPress(kKeyEnter);
+    EXPECT_EQ(line->GetTime(0)->Time(), kUnset);
+    // An index out of range does nothing.
+    dialog.OpenFormObj(element, 5);
+    EXPECT_EQ(dialog.txtEdit(), u"");
+    EXPECT_TRUE(dialog.txtEdit_KeyPress(kKeyEnter));
+    EXPECT_FALSE(dialog.Applied());
+
+    // A bare time: set by text; an empty field changes nothing.
+    auto bare = std::make_shared<cTime>(61005);
+    dialog.OpenFormTmr(bare);
+    EXPECT_EQ(dialog.txtEdit(), u"01:01.005");
+    dialog.setTxtEdit(u"");
+    dialog.txtEdit_KeyPress(kKeyEnter);
+    EXPECT_EQ(bare->Time(), 61005);
+    dialog.setTxtEdit(u"-00:01.25");
+    dialog.txtEdit_KeyPress(kKeyEnter);
+    EXPECT_EQ(bare->Time(), -1250);
+}
+
+}  // namespace
+}  // namespace toval::test
