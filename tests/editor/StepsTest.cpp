@@ -1,0 +1,345 @@
+// The editor's three steps, loading and saving real files, resetting,
+// sending and closing.
+#include <filesystem>
+#include <fstream>
+
+#include "EditorFixture.h"
+#include "editor/iLyricSender.h"
+#include "fakes/TempDir.h"
+#include "lyric/mFile.h"
+
+namespace toval::test {
+namespace {
+
+using Ints = std::vector<int32_t>;
+
+class StepsTest : public EditorTest {};
+
+// A service that keeps the request and answers when the test says so.
+class ScriptedSender : public iLyricSender {
+  public:
+    void Save(const cMusic& music, const std::shared_ptr<cLyric>& lyric, int32_t id) override {
+        sentTitle = music.Title();
+        sentTvl = lyric->TVL();
+        lastId = id;
+        ++requests;
+    }
+    void Answer(int32_t result) { onToval(result, lastId); }
+    std::u16string sentTitle, sentTvl;
+    int32_t lastId = 0;
+    int requests = 0;
+};
+
+TEST_F(StepsTest, EachStepSetsItsControlsAndCaption) {
+    globals.Settings.edt_AutoImplode = true;
+    globals.Settings.pos_EditWinTop = 11;
+    globals.Settings.size_EditWinWidth = 9000;
+    editor.Form_Load(music);
+    EXPECT_EQ(view.caption, u"{TovalEditText} - Artist - Song");
+    EXPECT_TRUE(view.checked[eEditorControl::chkAutoImplode]);
+    EXPECT_TRUE(view.enabled[eEditorControl::chkAutoImplode]);
+    EXPECT_EQ(view.rect.Top, 11);
+    EXPECT_EQ(view.rect.Width, 9000);
+    EXPECT_TRUE(editor.Visible(eEditorControl::fraText));
+    EXPECT_TRUE(editor.Enabled(eEditorControl::cmdNext));
+    EXPECT_TRUE(editor.Enabled(eEditorControl::cmdLoad));
+    EXPECT_FALSE(editor.Enabled(eEditorControl::cmdBack));
+    EXPECT_FALSE(editor.Enabled(eEditorControl::cmdSave));
+
+    globals.Settings.editmode_splash = true;
+    editor.txtEdit_Change(u"la la\r\n");
+    editor.cmdNext_Click();
+    EXPECT_EQ(view.caption, u"{TovalEditTime} - Artist - Song");
+    EXPECT_FALSE(view.visible[eEditorControl::fraText]);
+    EXPECT_FALSE(view.enabled[eEditorControl::cmdLoad]);
+    EXPECT_TRUE(view.enabled[eEditorControl::cmdBack]);
+    EXPECT_TRUE(view.enabled[eEditorControl::cmdReset]);
+    ASSERT_EQ(view.infoShown.size(), 1u);
+    EXPECT_EQ(view.infoShown[0],
+              u"Use the keyboard arrow keys to syncronize Toval to music. You can use the mouse "
+              u"either.");
+    EXPECT_EQ(editor.Lyric()->GetLineSize(), 1);
+    EXPECT_NE(editor.Lyric()->Mutation(), kUnset);
+
+    editor.cmdNext_Click();
+    EXPECT_EQ(view.caption, u"{TovalEditPreview} - Artist - Song");
+    EXPECT_FALSE(view.enabled[eEditorControl::cmdNext]);
+    EXPECT_FALSE(view.enabled[eEditorControl::cmdReset]);
+    EXPECT_FALSE(view.enabled[eEditorControl::chkAutoImplode]);
+    EXPECT_TRUE(view.enabled[eEditorControl::cmdSave]);
+    EXPECT_TRUE(view.enabled[eEditorControl::cmdInternet]);
+    EXPECT_NE(editor.Stream(), nullptr);
+    editor.cmdNext_Click();  // there is no step 4
+    EXPECT_EQ(editor.Step(), 3);
+
+    editor.cmdBack_Click();
+    EXPECT_EQ(editor.Step(), 2);
+    EXPECT_TRUE(view.enabled[eEditorControl::cmdReset]);
+    EXPECT_FALSE(view.enabled[eEditorControl::cmdSave]);
+    EXPECT_FALSE(view.enabled[eEditorControl::cmdInternet]);
+    EXPECT_FALSE(view.enabled[eEditorControl::chkAutoImplode]);  // folded at most once
+    editor.cmdBack_Click();
+    EXPECT_EQ(editor.Step(), 1);
+    EXPECT_TRUE(view.visible[eEditorControl::fraText]);
+    editor.cmdBack_Click();
+    EXPECT_EQ(editor.Step(), 1);
+}
+
+TEST_F(StepsTest, TaggedTextIsTakenAsLineRecords) {
+    StartTiming(u"[1000]<1000>tagged <2000>words\r\n");
+    EXPECT_EQ(Times(Word(0, 1)), Ints{2000});
+    editor.cmdBack_Click();
+    editor.txtEdit_Change(u"plain words");
+    editor.cmdNext_Click();
+    EXPECT_EQ(Line(0)->GetWordSize(), 3);
+    EXPECT_FALSE(editor.HasTimes());
+}
+
+TEST_F(StepsTest, AutoImplodeFoldsOnlyWhenCheckedAndOnlyOnce) {
+    const std::u16string text = u"la la\r\n\r\nla la";
+    StartTiming(text);
+    Press(kKeyRight, 100);
+    editor.chkAutoImplode_Click(false);
+    editor.cmdNext_Click();
+    EXPECT_EQ(editor.Lyric()->GetLineSize(), 3);  // not checked: not folded
+
+    EditorTest::TearDown();
+    cEditor other(globals, random, KeyText);
+    other.setView(&view);
+    other.setAuxPictureBox(&measure);
+    globals.Settings.edt_AutoImplode = true;
+    other.Form_Load(music);
+    other.txtEdit_Change(text);
+    other.cmdNext_Click();
+    for (int i = 0; i < 8; ++i) {
+        globals.PlayPosition = 1000 * (i + 1);
+        other.pb_Main_KeyDown(kKeyRight, 0);
+    }
+    other.cmdNext_Click();
+    ASSERT_EQ(other.Lyric()->GetLineSize(), 2);  // the copy and its empty line went
+    const auto words = other.Lyric()->GetLine(0)->GetWord(0);
+    EXPECT_EQ(words->GetTimeSize(), 2);
+    EXPECT_EQ(words->GetTime(1)->Time(), 6000);
+    // Undo brings the copy back.
+    EXPECT_TRUE(other.Undo());
+    EXPECT_EQ(other.Lyric()->GetLineSize(), 3);
+}
+
+TEST_F(StepsTest, LoadReadsAFileIntoTextBoxAndLyric) {
+    TempDir dir;
+    const std::u16string track = dir.file(u"song.mp3");
+    music.setFileAddress(track);
+    const std::u16string lyricFile = dir.file(u"song.tvl");
+    ASSERT_TRUE(FileSaveUTF8(lyricFile,
+                             u"[PROPERTY]\r\nMUTATION:77\r\nRIGHTTOLEFT:1\r\n[\\PROPERTY]"
+                             u"[1000]<1000>\u05D0 <1500>\u05D1\r\n[2000]second\r\n"));
+    editor.Form_Load(music);
+    view.openAnswer = true;
+    view.openFile = lyricFile;
+    editor.cmdLoad_Click();
+    ASSERT_EQ(view.openDialogs.size(), 1u);
+    EXPECT_EQ(view.openDialogs[0].InitDir, dir.folder());
+    EXPECT_EQ(view.openDialogs[0].Filter,
+              u"Toval (*.tvl)|*.tvl|Lyric (*.lrc)|*.lrc|{AllFiles} (*.*)|*.*");
+    EXPECT_EQ(view.editText, u"\u05D0 \u05D1\r\nsecond\r\n");
+    EXPECT_TRUE(view.editRightToLeft);
+    EXPECT_TRUE(view.checked[eEditorControl::chkRighttoleft]);
+    // The loaded lyric keeps its times into the timing step.
+    editor.cmdNext_Click();
+    EXPECT_EQ(Times(Word(0, 1)), Ints{1500});
+    EXPECT_EQ(editor.Lyric()->Mutation(), 77);
+    // Once the text is edited, it is converted again.
+    editor.cmdBack_Click();
+    editor.txtEdit_Change(view.editText + u"third line");
+    editor.cmdNext_Click();
+    EXPECT_FALSE(editor.HasTimes());
+    EXPECT_EQ(editor.Lyric()->GetLineSize(), 3);
+    // A missing file changes nothing.
+    editor.cmdBack_Click();
+    view.openFile = dir.file(u"missing.tvl");
+    editor.cmdLoad_Click();
+    EXPECT_EQ(editor.EditText(), view.editText + u"third line");
+}
+
+TEST_F(StepsTest, SaveWritesTvlLrcOrTextAndReportsAFailure) {
+    TempDir dir;
+    music.setFileAddress(dir.file(u"song.mp3"));
+    globals.TrackID = music.ID();  // the path decides the track's ID
+    StartTiming(u"one two\r\nthree");
+    Press(kKeyRight, 1000);
+    Press(kKeyRight, 1250);
+    Press(kKeyRight, 1500);
+    editor.cmdNext_Click();
+
+    view.saveAnswer = true;
+    std::u16string saved;
+    editor.onSaved = [&](const std::u16string& path) { saved = path; };
+    view.saveFile = dir.file(u"out.tvl");
+    editor.cmdSave_Click();
+    ASSERT_EQ(view.saveDialogs.size(), 1u);
+    EXPECT_EQ(view.saveDialogs[0].Filter,
+              u"Toval (*.tvl)|*.tvl|Lyric (*.lrc)|*.lrc|Text (*.txt)|*.txt");
+    EXPECT_EQ(view.saveDialogs[0].FileName, dir.file(u"song.tvl"));
+    EXPECT_EQ(saved, view.saveFile);
+    cLyric back;
+    back.setLoad(FileRead(view.saveFile));
+    const std::u16string written = editor.SaveText(1);
+    ASSERT_EQ(back.GetLineSize(), 2) << std::string(written.begin(), written.end());
+    ASSERT_EQ(back.GetLine(0)->GetTimeSize(), 1) << std::string(written.begin(), written.end());
+    EXPECT_EQ(back.GetLine(0)->GetTime(0)->Time(), 1000);
+    EXPECT_EQ(back.GetLine(0)->GetWord(0)->GetTime(0)->Time(), 1250);
+    EXPECT_EQ(back.GetLine(0)->GetWord(2)->GetTime(0)->Time(), 1500);
+    EXPECT_EQ(back.Mutation(), editor.Lyric()->Mutation());
+
+    view.saveFile = dir.file(u"out.lrc");
+    view.saveFilter = 2;
+    editor.cmdSave_Click();
+    EXPECT_EQ(FileRead(view.saveFile),
+              u"[ar:Artist]\r\n[ti:Song]\r\n[re:Toval]\r\n[ve:1.3.1]\r\n"
+              u"[00:01.00]one two\r\n[00:00.00]three\r\n");
+
+    view.saveFile = dir.file(u"out.txt");
+    view.saveFilter = 3;
+    editor.cmdSave_Click();
+    EXPECT_EQ(FileRead(view.saveFile), u"one two\r\nthree\r\n");
+    EXPECT_TRUE(view.boxes.empty());
+
+    view.saveFile = dir.file(u"no such folder/out.tvl");
+    editor.cmdSave_Click();
+    ASSERT_EQ(view.boxes.size(), 1u);
+    EXPECT_EQ(view.boxes[0].text, u"{SaveFailed}");
+    EXPECT_EQ(view.boxes[0].title, u"{ErrorTitle}");
+    EXPECT_EQ(view.boxes[0].flags, kMbIconError);
+    EXPECT_EQ(editor.Step(), 3);  // the lyric stays in the editor
+}
+
+TEST_F(StepsTest, UntimedLyricSavesAsPlainTextAfterItsProperties) {
+    TempDir dir;
+    StartTiming(u"one two\r\nthree");
+    editor.cmdNext_Click();
+    EXPECT_EQ(editor.SaveText(1).find(u"<"), std::u16string::npos);
+    EXPECT_NE(editor.SaveText(1).find(u"[\\PROPERTY]one two\r\nthree\r\n"), std::u16string::npos);
+}
+
+TEST_F(StepsTest, ResetAsksAndOnlyYesGoesBack) {
+    StartTiming(u"one two");
+    Press(kKeyRight, 100);
+    for (const int32_t answer : {kIdNo, kIdCancel}) {
+        view.boxAnswer = answer;
+        editor.cmdReset_Click();
+        EXPECT_EQ(editor.Step(), 2);
+        EXPECT_TRUE(editor.HasTimes());
+    }
+    EXPECT_EQ(view.boxes[0].text, u"{RequestLyricReset}");
+    EXPECT_EQ(view.boxes[0].title, u"{RequestLyricResetTitle}");
+    EXPECT_EQ(view.boxes[0].flags, kMbYesNoCancel | kMbIconQuestion);
+    view.boxAnswer = kIdYes;
+    editor.cmdReset_Click();
+    EXPECT_EQ(editor.Step(), 1);
+    editor.cmdNext_Click();
+    EXPECT_FALSE(editor.HasTimes());
+}
+
+TEST_F(StepsTest, SendShowsTheServicesAnswerAndHoldsTheWindowOpenMeanwhile) {
+    auto sender = std::make_shared<ScriptedSender>();
+    int made = 0;
+    editor.setSenderFactory([&] {
+        ++made;
+        return sender;
+    });
+    StartTiming(u"one two");
+    Press(kKeyRight, 100);
+    editor.cmdNext_Click();
+
+    struct Case {
+        int32_t result;
+        std::u16string text, title;
+        int32_t flags;
+    };
+    const std::vector<Case> cases = {
+        {1, u"{TovalSentOk}", u"{TovalSentOkTitle}", kMbIconInformation},
+        {2, u"{TovalSentSqlError}", u"{TovalSentSqlErrorTitle}", kMbIconError},
+        {5, u"{TovalSentFail}", u"{TovalSentFailTitle}", kMbIconError},
+        {4, u"{TovalSentFail}", u"{TovalSentFailTitle}", kMbIconError},
+    };
+    for (const Case& c : cases) {
+        editor.cmdInternet_Click();
+        EXPECT_TRUE(editor.Sending());
+        EXPECT_FALSE(view.enabled[eEditorControl::cmdInternet]);
+        bool cancel = false;
+        editor.Form_Unload(cancel);  // refused while the answer is awaited
+        EXPECT_TRUE(cancel);
+        // Closing is refused while the message box is up, too.
+        view.onMessage = [&] {
+            bool again = false;
+            editor.Form_Unload(again);
+            EXPECT_TRUE(again);
+        };
+        sender->Answer(c.result);
+        view.onMessage = nullptr;
+        ASSERT_FALSE(view.boxes.empty());
+        EXPECT_EQ(view.boxes.back().text, c.text);
+        EXPECT_EQ(view.boxes.back().title, c.title);
+        EXPECT_EQ(view.boxes.back().flags, c.flags);
+        EXPECT_FALSE(editor.Sending());
+        EXPECT_TRUE(view.enabled[eEditorControl::cmdInternet]);
+        if (c.result == 1) {
+            EXPECT_TRUE(editor.Sent());
+        }
+    }
+    EXPECT_EQ(made, 1);  // made on first use only
+    EXPECT_EQ(sender->sentTitle, u"Song");
+    EXPECT_NE(sender->sentTvl.find(u"[100]"), std::u16string::npos);
+    // A stale answer is ignored.
+    const size_t boxes = view.boxes.size();
+    sender->onToval(1, sender->lastId - 1);
+    EXPECT_EQ(view.boxes.size(), boxes);
+}
+
+TEST_F(StepsTest, SendWithoutServiceFailsAndUnlocks) {
+    StartTiming(u"one two");
+    editor.cmdNext_Click();
+    editor.cmdInternet_Click();
+    EXPECT_FALSE(editor.Sending());
+    ASSERT_EQ(view.boxes.size(), 1u);
+    EXPECT_EQ(view.boxes[0].text, u"{TovalSentFail}");
+}
+
+TEST_F(StepsTest, ClosingStoresTheWindowAndTheFoldSetting) {
+    StartTiming(u"one two");
+    editor.cmdNext_Click();
+    view.rect = {100, 200, 7000, 5000};
+    editor.chkAutoImplode_Click(true);
+    bool closed = false;
+    editor.onClosed = [&] { closed = true; };
+    bool cancel = true;
+    editor.Form_Unload(cancel);
+    EXPECT_FALSE(cancel);
+    EXPECT_TRUE(closed);
+    EXPECT_FALSE(timer.enabled);
+    EXPECT_EQ(globals.Settings.pos_EditWinTop, 100);
+    EXPECT_EQ(globals.Settings.pos_EditWinLeft, 200);
+    EXPECT_EQ(globals.Settings.size_EditWinWidth, 7000);
+    EXPECT_EQ(globals.Settings.size_EditWinHeight, 5000);
+    EXPECT_TRUE(globals.Settings.edt_AutoImplode);
+}
+
+TEST(EditorWithoutWindow, TextProceduresWorkAndDialogsCancel) {
+    cGlobals globals;
+    FakeRandom random;
+    cEditor editor(globals, random);
+    EXPECT_EQ(editor.textToLyric(u"ab"), u"[]<>ab\r\n");
+    cMusic music;
+    editor.Form_Load(music);
+    editor.txtEdit_Change(u"one two");
+    editor.cmdNext_Click();
+    editor.pb_Main_KeyDown(kKeyRight, 0);
+    editor.pb_Main_MouseDown(kButtonRight, 0, 1, 1);
+    editor.mnuAdv_Click();
+    editor.cmdReset_Click();  // cancelled
+    EXPECT_EQ(editor.Step(), 2);
+    EXPECT_TRUE(editor.HasTimes());
+}
+
+}  // namespace
+}  // namespace toval::test
