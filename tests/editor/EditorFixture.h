@@ -29,7 +29,7 @@ inline std::u16string KeyText(std::u16string_view key) {
 
 class EditorTest : public ::testing::Test {
   protected:
-    EditorTest() : random({0.25, 0.5, 0.75}), editor(globals, random, KeyText) {
+    EditorTest() : random(Draws()), editor(globals, random, KeyText) {
         globals.Settings.editmode_splash = false;
         music.setArtist(u"Artist");
         music.setTitle(u"Song");
@@ -38,6 +38,14 @@ class EditorTest : public ::testing::Test {
         editor.setView(&view);
         editor.setAuxPictureBox(&measure);
         editor.setStreamTimer(&timer);
+    }
+
+    // Distinct draws, so that every mutation gets a new number.
+    static std::vector<double> Draws() {
+        std::vector<double> draws;
+        for (int i = 1; i < 4000; ++i)
+            draws.push_back(i / 4000.0);
+        return draws;
     }
 
     // Opens the window and goes to the timing step with the text.
