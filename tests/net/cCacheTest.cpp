@@ -1,0 +1,362 @@
+#include "net/cCache.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+
+#include "core/cMusic.h"
+#include "fakes/FakeRandom.h"
+#include "fakes/FakeShell.h"
+#include "fakes/TempDir.h"
+#include "net/mHasher.h"
+
+namespace toval::test {
+namespace {
+
+using namespace std::string_literals;
+namespace fs = std::filesystem;
+
+std::string Slurp(const fs::path& p) {
+    std::ifstream in(p, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+void Spit(const fs::path& p, const std::string& bytes) {
+    std::ofstream out(p, std::ios::binary | std::ios::trunc);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+std::shared_ptr<cMusic> Track(const std::u16string& artist, const std::u16string& title,
+                              int32_t ms = 200000, const std::u16string& album = u"Album") {
+    auto music = std::make_shared<cMusic>();
+    music->setArtist(artist);
+    music->setAlbum(album);
+    music->setTitle(title);
+    music->setMiliDuration(ms);
+    return music;
+}
+
+// `length` characters of lyric, with accents, CJK, a surrogate pair and line ends.
+std::u16string Lyric(size_t length, char16_t seed = u'a') {
+    static const std::u16string extra = u"\u00e9\u4e2d\xd83c\xdfb5\r\n ";
+    std::u16string text;
+    for (size_t i = 0; i < length; ++i) {
+        text.push_back(i % 11 < extra.size() && i % 3 == 0 ? extra[i % 11]
+                                                           : char16_t(seed + (i % 26)));
+    }
+    return text;
+}
+
+class cCacheTest : public ::testing::Test {
+  protected:
+    cCacheTest() {
+        shell.specialFolder = dir.path().u16string();
+        globals.ProgramFolder = dir.folder();
+    }
+    std::unique_ptr<cCache> Open() { return std::make_unique<cCache>(globals, shell, random); }
+    fs::path Folder() const { return dir.path() / "Toval"; }
+    uintmax_t DatSize() const { return fs::file_size(Folder() / "cache.dat"); }
+
+    TempDir dir;
+    FakeShell shell;
+    FakeRandom random;
+    cGlobals globals;
+};
+
+TEST_F(cCacheTest, KeepsLyricsPerTrackInTheLocalDataFolderAcrossRuns) {
+    auto cache = Open();
+    EXPECT_EQ(shell.folderQueries, std::vector<int32_t>{kFolderLocalAppData});
+    EXPECT_EQ(cache->Folder(), dir.file(u"Toval") + char16_t(fs::path::preferred_separator));
+    EXPECT_TRUE(fs::exists(Folder() / "cache.dat"));
+    EXPECT_TRUE(fs::exists(Folder() / "cache.id"));
+
+    const auto a = Track(u"Artist", u"Song");
+    const auto b = Track(u"Artist", u"Other song");
+    EXPECT_EQ(cache->GetLyric(a), u"");
+    ASSERT_TRUE(cache->SetLyric(a, Lyric(1500)));
+    ASSERT_TRUE(cache->SetLyric(b, Lyric(10, u'k')));
+    EXPECT_EQ(cache->GetLyric(a), Lyric(1500));
+    EXPECT_EQ(cache->GetLyric(b), Lyric(10, u'k'));
+
+    // Any field of the key, the length in seconds included, makes another track.
+    EXPECT_EQ(cache->GetLyric(Track(u"Artist", u"Song", 201000)), u"");
+    EXPECT_EQ(cache->GetLyric(Track(u"Artist", u"Song", 200000, u"Live")), u"");
+    EXPECT_EQ(cache->GetLyric(Track(u"artist", u"Song")), u"");
+    // Lengths that round to the same second are the same track.
+    EXPECT_EQ(cache->GetLyric(Track(u"Artist", u"Song", 199600)), Lyric(1500));
+
+    // Nothing to store, no track: false, and the files stay as they are.
+    const std::string id = Slurp(Folder() / "cache.id");
+    const auto dat = DatSize();
+    EXPECT_FALSE(cache->SetLyric(a, u""));
+    EXPECT_FALSE(cache->SetLyric(nullptr, u"text"));
+    EXPECT_EQ(cache->GetLyric(nullptr), u"");
+    EXPECT_FALSE(cache->DelLyric(nullptr));
+    EXPECT_EQ(Slurp(Folder() / "cache.id"), id);
+    EXPECT_EQ(DatSize(), dat);
+    EXPECT_EQ(cache->GetLyric(a), Lyric(1500));
+
+    cache.reset();
+    cache = Open();
+    EXPECT_EQ(cache->GetLyric(a), Lyric(1500));
+    EXPECT_EQ(cache->GetLyric(b), Lyric(10, u'k'));
+    EXPECT_TRUE(cache->DelLyric(a));
+    EXPECT_FALSE(cache->DelLyric(a));
+    EXPECT_EQ(cache->GetLyric(a), u"");
+    EXPECT_EQ(cache->GetLyric(b), Lyric(10, u'k'));
+}
+
+TEST_F(cCacheTest, TheKeyIsTwoBytesPerCharacterAndTheSeconds) {
+    EXPECT_EQ(cCache::TrackKey(*Track(u"A\u00e9", u"T", 212500, u"")),
+              "A\0\xe9\0  T\0 212"s);  // 212.5 s rounds to even
+}
+
+TEST_F(cCacheTest, ReplacingALyricReusesItsBlocksAndKeepsOneEntry) {
+    auto cache = Open();
+    const auto a = Track(u"Artist", u"Song");
+    ASSERT_TRUE(cache->SetLyric(a, Lyric(1500)));                 // 3000 bytes: blocks 1..4
+    ASSERT_TRUE(cache->SetLyric(Track(u"X", u"Y"), Lyric(100)));  // block 5
+    ASSERT_EQ(DatSize(), 5 * 1024u);
+
+    ASSERT_TRUE(cache->SetLyric(a, Lyric(1500, u'A')));
+    EXPECT_EQ(cache->GetLyric(a), Lyric(1500, u'A'));
+    EXPECT_EQ(DatSize(), 5 * 1024u);
+    EXPECT_EQ(cache->HashTable().Count(), 2);
+    // The last block freed is the first taken: the new head is old block 4.
+    EXPECT_EQ(cache->HashTable().GetAddress(GetLngHash(cCache::TrackKey(*a))),
+              std::vector<int32_t>{4});
+
+    // Longer than before: the freed blocks, then new ones past the end.
+    ASSERT_TRUE(cache->SetLyric(a, Lyric(4000, u'B')));
+    EXPECT_EQ(cache->GetLyric(a), Lyric(4000, u'B'));
+    // Shorter: the rest of the old blocks stay free for the next entry.
+    ASSERT_TRUE(cache->SetLyric(a, Lyric(5, u'C')));
+    EXPECT_EQ(cache->GetLyric(a), Lyric(5, u'C'));
+    EXPECT_FALSE(cache->HashTable().FreeAddress().empty());
+    const auto size = DatSize();
+    ASSERT_TRUE(cache->SetLyric(Track(u"New", u"One"), Lyric(1000)));
+    EXPECT_EQ(DatSize(), size);
+    EXPECT_EQ(cache->GetLyric(Track(u"X", u"Y")), Lyric(100));
+    EXPECT_EQ(cache->HashTable().Count(), 3);
+}
+
+TEST_F(cCacheTest, KeysWithEqualHashesStayApart) {
+    // Characters four bytes apart trade places: same hash, different keys.
+    const auto a = Track(u"abcd", u"Song");
+    const auto b = Track(u"cbad", u"Song");
+    const int32_t hash = GetLngHash(cCache::TrackKey(*a));
+    ASSERT_EQ(hash, GetLngHash(cCache::TrackKey(*b)));
+
+    auto cache = Open();
+    ASSERT_TRUE(cache->SetLyric(a, Lyric(900, u'a')));
+    EXPECT_EQ(cache->GetLyric(b), u"");
+    ASSERT_TRUE(cache->SetLyric(b, Lyric(800, u'b')));
+    EXPECT_EQ(cache->HashTable().GetAddress(hash).size(), 2u);
+    EXPECT_EQ(cache->GetLyric(a), Lyric(900, u'a'));
+    EXPECT_EQ(cache->GetLyric(b), Lyric(800, u'b'));
+
+    ASSERT_TRUE(cache->SetLyric(a, Lyric(700, u'c')));
+    EXPECT_EQ(cache->GetLyric(a), Lyric(700, u'c'));
+    EXPECT_EQ(cache->GetLyric(b), Lyric(800, u'b'));
+    ASSERT_TRUE(cache->DelLyric(b));
+    EXPECT_EQ(cache->GetLyric(a), Lyric(700, u'c'));
+    EXPECT_EQ(cache->GetLyric(b), u"");
+}
+
+TEST_F(cCacheTest, AFullCacheEvictsAtRandom) {
+    globals.Settings.cache_size = 1;
+    auto cache = Open();
+    const auto a = Track(u"A", u"a");
+    const auto b = Track(u"B", u"b");
+    ASSERT_TRUE(cache->SetLyric(a, Lyric(1500)));
+    const auto size = DatSize();
+    ASSERT_TRUE(cache->SetLyric(b, Lyric(1500, u'b')));
+    EXPECT_EQ(cache->GetLyric(a), u"");
+    EXPECT_EQ(cache->GetLyric(b), Lyric(1500, u'b'));
+    EXPECT_EQ(cache->HashTable().Count(), 1);
+    EXPECT_EQ(DatSize(), size);  // b took a's blocks
+
+    globals.Settings.cache_size = 3;
+    const auto c = Track(u"C", u"c");
+    const auto d = Track(u"D", u"d");
+    ASSERT_TRUE(cache->SetLyric(c, Lyric(10, u'c')));
+    ASSERT_TRUE(cache->SetLyric(d, Lyric(10, u'd')));
+    // 0.9 * 3 = 2.7 -> 3 lies past the table and is drawn again: 0.1 -> 0.
+    random.draws = {0.9, 0.1};
+    const int32_t first = cache->HashTable().GetAddressIndex(0);
+    ASSERT_TRUE(cache->SetLyric(a, Lyric(10, u'a')));
+    EXPECT_EQ(cache->HashTable().Count(), 3);
+    EXPECT_EQ(random.next, 2u);
+    EXPECT_EQ(cache->GetLyric(a), Lyric(10, u'a'));
+    // The entry at table position 0 went; the other two are whole.
+    int evictions = 0;
+    for (const auto& [track, lyric] :
+         {std::pair{b, Lyric(1500, u'b')}, std::pair{c, Lyric(10, u'c')},
+          std::pair{d, Lyric(10, u'd')}}) {
+        const auto heads = cache->HashTable().GetAddress(GetLngHash(cCache::TrackKey(*track)));
+        const bool evicted = heads.empty();
+        EXPECT_EQ(cache->GetLyric(track), evicted ? u"" : lyric);
+        if (!evicted) {
+            EXPECT_NE(heads.at(0), first);
+        }
+        evictions += evicted ? 1 : 0;
+    }
+    EXPECT_EQ(evictions, 1);
+
+    // A smaller size evicts down to it in one go.
+    globals.Settings.cache_size = 1;
+    ASSERT_TRUE(cache->SetLyric(b, Lyric(20, u'b')));
+    EXPECT_EQ(cache->HashTable().Count(), 1);
+    EXPECT_EQ(cache->GetLyric(b), Lyric(20, u'b'));
+}
+
+TEST_F(cCacheTest, ClearingEmptiesTheTableAndNewEntriesGoAtTheEnd) {
+    auto cache = Open();
+    const auto a = Track(u"A", u"a");
+    const auto b = Track(u"B", u"b");
+    ASSERT_TRUE(cache->SetLyric(a, Lyric(1500)));
+    ASSERT_TRUE(cache->SetLyric(b, Lyric(300)));
+    const auto size = DatSize();
+    cache->ClearCache();
+    EXPECT_EQ(cache->GetLyric(a), u"");
+    EXPECT_EQ(cache->GetLyric(b), u"");
+    EXPECT_FALSE(cache->DelLyric(a));
+    EXPECT_EQ(DatSize(), size);
+    EXPECT_EQ(Slurp(Folder() / "cache.id"), "\0\0\0\0"s);
+
+    ASSERT_TRUE(cache->SetLyric(a, Lyric(10)));
+    EXPECT_EQ(cache->HashTable().Table().at(0).block, static_cast<int32_t>(size / 1024 + 1));
+    EXPECT_EQ(DatSize(), size + 1024);
+    EXPECT_EQ(cache->GetLyric(a), Lyric(10));
+}
+
+TEST_F(cCacheTest, AWriteCutOffBeforeTheTableLeavesEveryOtherEntryReadable) {
+    const auto a = Track(u"A", u"a");
+    const auto b = Track(u"B", u"b");
+    const auto x = Track(u"X", u"x");
+    const auto c = Track(u"C", u"c");
+    {
+        auto cache = Open();
+        ASSERT_TRUE(cache->SetLyric(a, Lyric(2000, u'a')));
+        ASSERT_TRUE(cache->SetLyric(x, Lyric(2000, u'x')));
+        ASSERT_TRUE(cache->SetLyric(b, Lyric(2000, u'b')));
+        ASSERT_TRUE(cache->DelLyric(x));  // its blocks are free now
+        // Blocks written, table never: put the old table back.
+        const std::string id = Slurp(Folder() / "cache.id");
+        ASSERT_TRUE(cache->SetLyric(c, Lyric(3000, u'c')));
+        cache.reset();
+        Spit(Folder() / "cache.id", id);
+    }
+    {
+        auto cache = Open();
+        EXPECT_EQ(cache->GetLyric(a), Lyric(2000, u'a'));
+        EXPECT_EQ(cache->GetLyric(b), Lyric(2000, u'b'));
+        EXPECT_EQ(cache->GetLyric(c), u"");
+        EXPECT_EQ(cache->GetLyric(x), u"");
+
+        // Cut off after an eviction: the eviction is saved, the new entry not.
+        globals.Settings.cache_size = 2;
+        int saves = 0;
+        cache->HashTable().onSaving = [&] { return ++saves == 1; };
+        EXPECT_FALSE(cache->SetLyric(c, Lyric(3000, u'c')));
+        EXPECT_EQ(saves, 2);
+    }
+    {
+        auto cache = Open();
+        const bool hasA = cache->GetLyric(a) == Lyric(2000, u'a');
+        const bool hasB = cache->GetLyric(b) == Lyric(2000, u'b');
+        EXPECT_NE(hasA, hasB);  // one was evicted, the other is whole
+        EXPECT_EQ(cache->HashTable().Count(), 1);
+        EXPECT_EQ(cache->GetLyric(c), u"");
+
+        // Cut off while replacing: the entry is gone, never half new.
+        const auto kept = hasA ? a : b;
+        const auto keptLyric = hasA ? Lyric(2000, u'a') : Lyric(2000, u'b');
+        ASSERT_TRUE(cache->SetLyric(c, Lyric(100, u'c')));
+        int saves = 0;
+        cache->HashTable().onSaving = [&] { return ++saves == 1; };
+        EXPECT_FALSE(cache->SetLyric(kept, Lyric(5000, u'n')));
+        cache.reset();
+        cache = Open();
+        EXPECT_EQ(cache->GetLyric(kept), u"");
+        EXPECT_EQ(cache->GetLyric(c), Lyric(100, u'c'));
+        ASSERT_TRUE(cache->SetLyric(kept, keptLyric));
+        EXPECT_EQ(cache->GetLyric(kept), keptLyric);
+        EXPECT_EQ(cache->GetLyric(c), Lyric(100, u'c'));
+    }
+}
+
+TEST_F(cCacheTest, DamagedFilesReadAsMissesAndHarmNoOtherEntry) {
+    const auto a = Track(u"A", u"a");
+    const auto b = Track(u"B", u"b");
+    int32_t headA = 0, headB = 0;
+    {
+        auto cache = Open();
+        ASSERT_TRUE(cache->SetLyric(a, Lyric(2000, u'a')));  // 1..6
+        ASSERT_TRUE(cache->SetLyric(b, Lyric(2000, u'b')));  // 7..12
+        headA = cache->HashTable().GetAddress(GetLngHash(cCache::TrackKey(*a))).at(0);
+        headB = cache->HashTable().GetAddress(GetLngHash(cCache::TrackKey(*b))).at(0);
+    }
+    const fs::path id = Folder() / "cache.id";
+    const fs::path dat = Folder() / "cache.dat";
+    const std::string table = Slurp(id).substr(4);
+
+    // A free list naming live heads, blocks past the end and one block twice.
+    const std::string badFree =
+        cCacheHT::Serialize({headA, 5000, -3, 3, 3, headB, INT32_MAX}, {}).substr(0, 32);
+    Spit(id, badFree + table);
+    {
+        auto cache = Open();
+        EXPECT_EQ(cache->HashTable().FreeAddress(), std::vector<int32_t>{3});
+        ASSERT_TRUE(cache->SetLyric(Track(u"C", u"c"), Lyric(3000, u'c')));
+        EXPECT_EQ(cache->GetLyric(Track(u"C", u"c")), Lyric(3000, u'c'));
+        EXPECT_EQ(cache->GetLyric(b), Lyric(2000, u'b'));
+        EXPECT_LT(DatSize(), 30 * 1024u);
+    }
+
+    // A head whose length is impossible: a miss, and the entry can be stored anew.
+    {
+        std::fstream f(dat, std::ios::binary | std::ios::in | std::ios::out);
+        f.seekp((headB - 1) * 1024);
+        f.write("\xff\xff\xff\x7f", 4);
+    }
+    {
+        auto cache = Open();
+        EXPECT_EQ(cache->GetLyric(b), u"");
+        ASSERT_TRUE(cache->SetLyric(b, Lyric(50, u'B')));
+        EXPECT_EQ(cache->GetLyric(b), Lyric(50, u'B'));
+        EXPECT_EQ(cache->GetLyric(Track(u"C", u"c")), Lyric(3000, u'c'));
+    }
+
+    // A cache.id of odd length full of noise, a cache.dat cut mid-block.
+    std::string noise;
+    for (int i = 0; i < 1001; ++i)
+        noise.push_back(static_cast<char>(i * 37 + 11));
+    Spit(id, noise);
+    fs::resize_file(dat, fs::file_size(dat) - 700);
+    {
+        auto cache = Open();
+        EXPECT_EQ(cache->GetLyric(a), u"");
+        ASSERT_TRUE(cache->SetLyric(a, Lyric(2000, u'z')));
+        EXPECT_EQ(cache->GetLyric(a), Lyric(2000, u'z'));
+        EXPECT_EQ(DatSize() % 1024, 0u);
+    }
+}
+
+TEST_F(cCacheTest, AFolderThatCannotBeUsedGivesAQuietEmptyCache) {
+    globals.ProgramFolder = dir.file(u"no/such/folder");
+    shell.specialFolder = dir.file(u"missing-parent");
+    shell.specialFolder += char16_t(fs::path::preferred_separator);
+    shell.specialFolder += u"deeper";
+    auto cache = Open();
+    EXPECT_FALSE(cache->SetLyric(Track(u"A", u"a"), Lyric(10)));
+    EXPECT_EQ(cache->GetLyric(Track(u"A", u"a")), u"");
+    cache->ClearCache();
+}
+
+}  // namespace
+}  // namespace toval::test
