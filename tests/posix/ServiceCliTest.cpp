@@ -1,0 +1,240 @@
+// toval-lyric: its commands against real files in a temp folder and a lyric
+// service on 127.0.0.1, and the real binary's exit codes.
+#ifdef TOVAL_LYRIC_TOOL
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cCliArgs.h"
+#include "cCliMain.h"
+#include "fakes/TempDir.h"
+#include "posix/FakeLyricService.h"
+
+namespace toval::test {
+namespace {
+
+using Behaviour = FakeLyricService::Behaviour;
+
+void Write(const std::filesystem::path& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+std::string Read(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+struct Outcome {
+    int code;
+    std::string out, err;
+};
+
+Outcome Tool(std::vector<std::string> args) {
+    std::ostringstream out, err;
+    cCliMain tool(out, err);
+    const int code = tool.Run(args);
+    return {code, out.str(), err.str()};
+}
+
+const std::string kSample = std::string(TOVAL_SOURCE_DIR) + "/samples/harbour.tvl";
+
+TEST(ServiceCli, BadCommandLinesExitWithTwoAndSayWhy) {
+    const struct {
+        std::vector<std::string> args;
+        const char* says;
+    } cases[] = {
+        {{}, "no command"},
+        {{"fetch", "x"}, "unknown command 'fetch'"},
+        {{"print"}, "print needs a file"},
+        {{"print", "a", "b"}, "unexpected argument 'b'"},
+        {{"print", "a", "--colour"}, "unknown option '--colour'"},
+        {{"lookup", "a", "--server"}, "'--server' needs a value"},
+        {{"lookup", "a", "--duration", "3m"}, "not a duration"},
+        {{"lookup", "a", "--duration=-1"}, "not a duration"},
+        {{"lookup", "a", "--timeout", "0"}, "not a time-out"},
+        {{"lookup", "a", "--timeout", "99999999999"}, "not a time-out"},
+        {{"print", "a", "--format", "xml"}, "unknown format 'xml'"},
+        {{"send", "a", "--artist", "A", "--title", "T"}, "send needs --server"},
+        {{"send", "a", "--server", "h", "--title", "T"}, "--artist and --title"},
+        {{"print", "a", "-o", "b"}, "--output belongs to convert"},
+    };
+    for (const auto& c : cases) {
+        const Outcome o = Tool(c.args);
+        EXPECT_EQ(o.code, kExitUsage) << c.says;
+        EXPECT_NE(o.err.find(c.says), std::string::npos) << o.err;
+        EXPECT_NE(o.err.find("--help"), std::string::npos);
+        EXPECT_EQ(o.out, "");
+    }
+    // Help wins over everything else on the line; "--" ends the options.
+    EXPECT_EQ(Tool({"lookup", "--bogus", "--help"}).code, kExitOk);
+    EXPECT_NE(Tool({"-h"}).out.find("Exit status"), std::string::npos);
+    EXPECT_EQ(Tool({"--version"}).out, "toval-lyric 1.3.1\n");
+    const cCliArgs dashed = cCliArgs::Parse({"print", "--", "-odd.tvl"});
+    EXPECT_EQ(dashed.error, "");
+    EXPECT_EQ(dashed.file, "-odd.tvl");
+    const cCliArgs joined = cCliArgs::Parse({"lookup", "t.mp3", "--artist=A=B", "--duration=215"});
+    EXPECT_EQ(joined.artist, "A=B");
+    EXPECT_EQ(joined.duration, 215);
+}
+
+TEST(ServiceCli, PrintAndConvertReadAndWriteRealFiles) {
+    TempDir dir;
+    Outcome o = Tool({"print", kSample});
+    EXPECT_EQ(o.code, kExitOk);
+    EXPECT_EQ(o.out.substr(0, o.out.find('\n')), "00:01.00  Lanterns on the harbour wall");
+
+    Write(dir.path() / "mixed.lrc", "[ar:Me]\r\n[00:01.50][00:09.00]Hi\r\nno time\r\n");
+    o = Tool({"print", (dir.path() / "mixed.lrc").string()});
+    EXPECT_EQ(o.out, "00:01.50 00:09.00  Hi\n          no time\n");
+
+    // tvl -> lrc -> back: line times survive in hundredths, word times go.
+    const std::string lrc = (dir.path() / "out.lrc").string();
+    o = Tool({"convert", kSample, "--to", "lrc", "-o", lrc});
+    EXPECT_EQ(o.code, kExitOk);
+    EXPECT_EQ(o.out, "");
+    EXPECT_EQ(Read(lrc).substr(0, 39), "[00:01.00]Lanterns on the harbour wall\r");
+    o = Tool({"convert", lrc});
+    EXPECT_EQ(o.out.substr(0, 66),
+              "[PROPERTY]\r\nMUTATION:-2147483648\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY][1000]");
+    o = Tool({"convert", kSample, "--to=text"});
+    EXPECT_EQ(o.out.substr(0, 30), "Lanterns on the harbour wall\r\n");
+
+    const Outcome missing = Tool({"print", (dir.path() / "none.tvl").string()});
+    EXPECT_EQ(missing.code, kExitFile);
+    EXPECT_NE(missing.err.find("no such file"), std::string::npos);
+    EXPECT_EQ(Tool({"print", dir.path().string()}).code, kExitFile);
+    const Outcome unwritable =
+        Tool({"convert", kSample, "-o", (dir.path() / "no" / "such" / "x.lrc").string()});
+    EXPECT_EQ(unwritable.code, kExitFile);
+    EXPECT_NE(unwritable.err.find("cannot write"), std::string::npos);
+}
+
+TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
+    TempDir dir, cache;
+    FakeLyricService service;
+    service.AddLyric("Ann", "Tide", "[500]from the service<br>[900]again");
+    const std::string track = (dir.path() / "tide.flac").string();
+    const std::vector<std::string> tags = {"--artist", "Ann",     "--title",
+                                           "Tide",     "--cache", cache.path().string()};
+    auto args = [&](std::vector<std::string> head, std::vector<std::string> tail = {}) {
+        head.insert(head.end(), tags.begin(), tags.end());
+        head.insert(head.end(), tail.begin(), tail.end());
+        return head;
+    };
+    const std::string server = "127.0.0.1:" + std::to_string(service.Port());
+
+    Outcome o = Tool(args({"lookup", track}));
+    EXPECT_EQ(o.code, kExitNotFound);
+    EXPECT_TRUE(service.Requests().empty()) << "no --server, no service";
+
+    o = Tool(args({"lookup", track}, {"--server", server, "--format", "text"}));
+    EXPECT_EQ(o.code, kExitOk) << o.err;
+    EXPECT_EQ(o.out, "from the service\r\nagain\r\n");
+    EXPECT_FALSE(std::filesystem::exists(dir.path() / "tide.tvl"));
+
+    // Kept in the cache: found again without the service.
+    o = Tool(args({"lookup", track}));
+    EXPECT_EQ(o.code, kExitOk);
+    EXPECT_EQ(o.out, "00:00.50  from the service\n00:00.90  again\n");
+
+    // A file beside the track comes first.
+    Write(dir.path() / "tide.lrc", "[00:03.00]beside\r\n");
+    EXPECT_EQ(Tool(args({"lookup", track}, {"--format", "lrc"})).out,
+              "[ar:Ann]\r\n[ti:Tide]\r\n[re:Toval]\r\n[ve:1.3.1]\r\n[00:03.00]beside\r\n");
+
+    // --save-beside writes the service's lyric as a .tvl file.
+    const std::string other = (dir.path() / "wave.mp3").string();
+    service.AddLyric("Ann", "Wave", "[1]wave");
+    o = Tool({"lookup", other, "--artist", "Ann", "--title", "Wave", "--cache",
+              cache.path().string(), "--server", server, "--save-beside"});
+    EXPECT_EQ(o.code, kExitOk);
+    EXPECT_EQ(Read(dir.path() / "wave.tvl"), "[1]wave");
+
+    // What the service says, as exit codes.
+    const std::string none = (dir.path() / "none.mp3").string();
+    const struct {
+        Behaviour behaviour;
+        int code;
+        const char* says;
+    } cases[] = {
+        {Behaviour::kNormal, kExitNotFound, "no lyric for this track"},
+        {Behaviour::kSqlError, kExitService, "failed"},
+        {Behaviour::kBrokenEnvelope, kExitService, "failed"},
+        {Behaviour::kMoved, kExitService, "moved to elsewhere.test"},
+    };
+    for (const auto& c : cases) {
+        service.setBehaviour(c.behaviour, "elsewhere.test");
+        o = Tool({"lookup", none, "--title", "Nothing", "--cache", cache.path().string(),
+                  "--server", server});
+        EXPECT_EQ(o.code, c.code) << c.says;
+        EXPECT_NE(o.err.find(c.says), std::string::npos) << o.err;
+    }
+    service.setBehaviour(Behaviour::kEndless);
+    o = Tool({"lookup", none, "--title", "Nothing", "--cache", cache.path().string(), "--server",
+              server, "--timeout", "300"});
+    EXPECT_EQ(o.code, kExitService);
+    const std::string closed = "127.0.0.1:" + std::to_string(LoopbackServer::ClosedPort());
+    EXPECT_EQ(Tool({"lookup", none, "--cache", cache.path().string(), "--server", closed}).code,
+              kExitService);
+}
+
+TEST(ServiceCli, SendReportsWhatTheServiceSaid) {
+    FakeLyricService service;
+    const std::string server = "127.0.0.1:" + std::to_string(service.Port());
+    const std::vector<std::string> send = {"send",     kSample, "--server", server,
+                                           "--artist", "Toval", "--title",  "Harbour"};
+    Outcome o = Tool(send);
+    EXPECT_EQ(o.code, kExitOk) << o.err;
+    FakeLyricService::Entry stored;
+    ASSERT_TRUE(service.Stored("Toval", "Harbour", stored));
+    EXPECT_EQ(stored.mutation, "1804289383");
+    EXPECT_EQ(stored.lyric.substr(0, 11), "[PROPERTY]\r");
+
+    service.setBehaviour(Behaviour::kSqlConnectionError);
+    o = Tool(send);
+    EXPECT_EQ(o.code, kExitService);
+    EXPECT_NE(o.err.find("database"), std::string::npos);
+    service.setBehaviour(Behaviour::kServerError);
+    EXPECT_EQ(Tool(send).code, kExitService);
+
+    TempDir dir;
+    Write(dir.path() / "empty.tvl", "");
+    std::vector<std::string> empty = send;
+    empty[1] = (dir.path() / "empty.tvl").string();
+    EXPECT_EQ(Tool(empty).code, kExitFile);
+}
+
+// The installed binary, as a script sees it.
+TEST(ServiceCli, TheBinaryExitsWithTheDocumentedCodes) {
+    auto run = [](const std::string& args, std::string* out = nullptr) {
+        const std::string command = std::string(TOVAL_LYRIC_TOOL) + " " + args + " 2>/dev/null";
+        FILE* pipe = ::popen(command.c_str(), "r");
+        if (!pipe) return -1;
+        std::string text;
+        char buffer[4096];
+        size_t n;
+        while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0)
+            text.append(buffer, n);
+        const int status = ::pclose(pipe);
+        if (out) *out = text;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    };
+    std::string out;
+    EXPECT_EQ(run("--help", &out), 0);
+    EXPECT_NE(out.find("Usage: toval-lyric"), std::string::npos);
+    EXPECT_EQ(run("print '" + kSample + "'", &out), 0);
+    EXPECT_NE(out.find("00:16.50  \xE2\x80\xA6\n"), std::string::npos);
+    EXPECT_EQ(run("frobnicate"), 2);
+    EXPECT_EQ(run("print /nonexistent/x.tvl"), 3);
+}
+
+}  // namespace
+}  // namespace toval::test
+
+#endif  // TOVAL_LYRIC_TOOL
