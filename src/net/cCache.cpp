@@ -12,7 +12,7 @@
 namespace toval {
 
 cCache::cCache(cGlobals& globals, Shell& shell, Random& random)
-    : globals_(globals), ht_(globals, random) {
+    : ht_(globals, random) {
     folder_ = Guarded("cCache.Class_Initialize", std::u16string(), [&] {
         return getSpecialFolder(shell, kFolderLocalAppData, globals.ProgramFolder);
     });
@@ -20,7 +20,7 @@ cCache::cCache(cGlobals& globals, Shell& shell, Random& random)
 }
 
 cCache::cCache(cGlobals& globals, Random& random, const std::u16string& folder)
-    : globals_(globals), folder_(folder), ht_(globals, random) {
+    : folder_(folder), ht_(globals, random) {
     Open();
 }
 

@@ -56,7 +56,6 @@ class cCache {
     // repeated, or the head of a table entry.
     void CheckFreeList();
 
-    cGlobals& globals_;
     std::u16string folder_;
     cCacheMD md_;
     cCacheHT ht_;
