@@ -278,5 +278,28 @@ TYPED_TEST(SocketAdapterTest, FailuresArriveAsErrorEvents) {
     EXPECT_FALSE(connected);
 }
 
+TYPED_TEST(SocketAdapterTest, TimerTicksOnlyWhileEnabledWithAnInterval) {
+    auto timer = this->adapter.MakeTimer();
+    int ticks = 0;
+    timer->onTimer = [&] { ++ticks; };
+    timer->setEnabled(true);  // no interval yet: never ticks
+    this->adapter.RunUntil([] { return false; }, 60);
+    EXPECT_EQ(ticks, 0);
+    timer->setInterval(10);
+    EXPECT_TRUE(this->adapter.RunUntil([&] { return ticks >= 3; }, 2000));
+    timer->setEnabled(false);
+    const int stopped = ticks;
+    this->adapter.RunUntil([] { return false; }, 60);
+    EXPECT_EQ(ticks, stopped);
+    // A tick may drop its own timer.
+    timer->onTimer = [&] {
+        ++ticks;
+        timer.reset();
+    };
+    timer->setEnabled(true);
+    EXPECT_TRUE(this->adapter.RunUntil([&] { return !timer; }, 2000));
+    EXPECT_EQ(ticks, stopped + 1);
+}
+
 }  // namespace
 }  // namespace toval::test
