@@ -243,12 +243,11 @@ int cCliMain::Lookup(const cCliArgs& a) {
         if (status == kLyricWaiting) {
             loop.RunUntil([&] { return serviceResult >= 0; }, a.timeout * 6 + 1000);
         }
+        if (lookup.Site().ServerMoved()) {
+            return Fail(kExitService, "the service moved to " +
+                                          Bytes(globals.Settings.conn_Server) + "; ask it there");
+        }
         if (status == kLyricWaiting) {
-            if (serviceResult == cTovalSite::kNotFound && lookup.Site().ServerMoved()) {
-                return Fail(kExitService, "the service moved to " +
-                                              Bytes(globals.Settings.conn_Server) +
-                                              "; ask it there");
-            }
             return Fail(kExitService, serviceResult < 0 ? "the lyric service did not answer"
                                                         : "the lyric service failed");
         }

@@ -105,7 +105,9 @@ void cLyricFile::tvs_Site_Toval(int32_t result, int32_t id) {
             lyric_ = site_.Lyric();
             SaveOnCache(music_, lyric_, true);
             Raise(id, kLyricFromService);
-        } else if (result == cTovalSite::kNotFound && !site_.ServerMoved()) {
+        } else if (result == cTovalSite::kNotFound && site_.Mode() == 0) {
+            // Only a plain lookup ends in "not found"; when the service has
+            // nothing newer than the lyric at hand (LoadFrom), that lyric stays.
             lyric_ += u"(" + NotFoundText() + u")";
             Raise(id, kLyricNotFound);
         }

@@ -4,6 +4,10 @@
 // through the same event and is dropped when the track is no longer current
 // (its request identifier differs from cGlobals::PlaylistPosition).
 //
+// The service's "nothing" (result 4: not found, or moved to another server)
+// means "not found" only for a plain lookup (request mode 0). For LoadFrom,
+// the question for a newer version of the lyric at hand, it changes nothing.
+//
 // Found lyrics are kept: with the simple-cache setting on in the cache only,
 // otherwise as a .tvl file beside the track, and in the cache when that file
 // cannot be written (read-only folders, network shares).

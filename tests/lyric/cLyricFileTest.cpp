@@ -158,25 +158,38 @@ TEST_F(LyricFileTest, ServiceLyricGoesBesideTheTrackOrToTheCacheWhenThatFails) {
     EXPECT_EQ(lookup.Cache().GetLyric(gone), u"");
 }
 
-TEST_F(LyricFileTest, NotFoundAppendsTheLanguageTextAndOtherAnswersRaiseNothing) {
+TEST_F(LyricFileTest, NotFoundEndsAPlainLookupAndLeavesALyricAtHandAlone) {
     lookup.Load(3);
     serve(":NOTFOUND");
     ASSERT_EQ(loaded.size(), 2u);
     EXPECT_EQ(loaded[1], (Loaded{3, 3, u"Ann - Song (Live) (edit)\r\n\r\n(No lyric found)"}));
 
-    const char* silent[] = {":UPDATESERVER:moved.test", ":NOUPDATES", ":SUCCESS", ":SQL_ERROR",
-                            ":BOGUS"};
+    // A service that moved has nothing here either; the next request goes to the new host.
+    track->setTitle(u"Other");
+    lookup.Load(3);
+    serve(":UPDATESERVER:moved.test");
+    EXPECT_EQ(loaded.back(), (Loaded{3, 3, u"Ann - Other\r\n\r\n(No lyric found)"}));
+    EXPECT_EQ(globals.Settings.conn_Server, u"moved.test");
+
+    // Asked for something newer than the lyric at hand: no answer but a lyric
+    // raises anything, and the lyric stays as it was.
+    Write(beside("song.tvl"), "[1]mine");
+    lookup.Load(3);
+    loaded.clear();
+    int32_t mutation = 90;
+    const char* silent[] = {
+        ":NOTFOUND", ":UPDATESERVER:again.test", ":NOUPDATES", ":SUCCESS", ":SQL_ERROR", ":BOGUS",
+        ""};
     for (const char* body : silent) {
-        loaded.clear();
-        lookup.LoadFrom(2, 3, 99);
+        lookup.LoadFrom(2, 3, ++mutation);
         serve(body);
         EXPECT_TRUE(loaded.empty()) << body;
+        EXPECT_EQ(lookup.Lyric(), u"[1]mine") << body;
     }
-    EXPECT_EQ(globals.Settings.conn_Server, u"moved.test");
-    loaded.clear();
-    lookup.LoadFrom(2, 3, 99);
+    lookup.LoadFrom(2, 3, kUnset);
     socket->fail();
     EXPECT_TRUE(loaded.empty());
+    EXPECT_EQ(lookup.Lyric(), u"[1]mine");
 }
 
 TEST_F(LyricFileTest, AnswersForATrackNoLongerPlayingAreDropped) {
