@@ -150,24 +150,6 @@ TEST(cCore, NewTrackIsLookedUpOnTheNextTickAndPlayed) {
     }
 }
 
-TEST(cCore, ALyricForATrackNoLongerPlayingIsDropped) {
-    Rig r;
-    r.timer.tick();
-    r.channel.playlistPosition = 3;
-    r.core->PluginEvent(kEventNewTrack);
-    r.timer.tick();
-    r.channel.playlistPosition = 4;  // the user moved on
-    r.source->text = u"[1000]old";
-    r.display.Take();
-    r.source->Answer(3, kLyricLocal);
-    EXPECT_FALSE(r.core->LyricActive());
-    EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"Clear"}));
-    EXPECT_EQ(r.globals.PlaylistPosition, 4);
-    r.timer.tick();
-    EXPECT_EQ(r.source->loads, (std::vector<int32_t>{3, 4}));
-    EXPECT_TRUE(r.source->loadFroms.empty());
-}
-
 TEST(cCore, SlowDownNoticesStepTheIntervalUp) {
     Rig r;
     r.timer.tick();
