@@ -60,18 +60,16 @@ std::vector<Line> Split(std::string_view content) {
         line.begin = pos;
         line.end = next;
         const std::string_view text = Trim(content.substr(pos, next - pos));
-        if (!text.empty() && text.front() == '[') {
-            std::string_view name = text.substr(1);
-            const size_t close = name.find(']');
-            if (close != std::string_view::npos) name = name.substr(0, close);
+        const size_t close = text.find(']');
+        const size_t eq = text.find('=');
+        if (!text.empty() && text.front() == '[' && close != std::string_view::npos) {
             line.kind = Line::kSection;
-            line.name = Trim(name);
-        } else if (!text.empty() && text.front() != ';') {
-            // A line without "=" is a key with an empty value.
-            const size_t eq = text.find('=');
+            line.name = Trim(text.substr(1, close - 1));
+        } else if (!text.empty() && text.front() != ';' && eq != std::string_view::npos) {
+            // Lines without "=" (and "[" lines without "]") hold no key.
             line.kind = Line::kKey;
             line.name = Trim(text.substr(0, eq));
-            if (eq != std::string_view::npos) line.value = Trim(text.substr(eq + 1));
+            line.value = Trim(text.substr(eq + 1));
         }
         lines.push_back(line);
         pos = next;
@@ -79,18 +77,23 @@ std::vector<Line> Split(std::string_view content) {
     return lines;
 }
 
-// The index of the first key line named key in a section named section, or
-// -1. sectionLine receives the first section line of that name (or -1).
+// The index of the first key line named key in the first section named
+// section, or -1; a later section of the same name is not looked at.
+// sectionLine receives that section's line (or -1).
 ptrdiff_t FindKey(const std::vector<Line>& lines, std::string_view section, std::string_view key,
                   ptrdiff_t& sectionLine) {
     sectionLine = -1;
-    bool inside = false;
     for (size_t i = 0; i < lines.size(); ++i) {
         const Line& line = lines[i];
-        if (line.kind == Line::kSection) {
-            inside = SameName(line.name, section);
-            if (inside && sectionLine < 0) sectionLine = static_cast<ptrdiff_t>(i);
-        } else if (inside && line.kind == Line::kKey && SameName(line.name, key)) {
+        if (line.kind == Line::kSection && SameName(line.name, section)) {
+            sectionLine = static_cast<ptrdiff_t>(i);
+            break;
+        }
+    }
+    if (sectionLine < 0) return -1;
+    for (size_t i = static_cast<size_t>(sectionLine) + 1;
+         i < lines.size() && lines[i].kind != Line::kSection; ++i) {
+        if (lines[i].kind == Line::kKey && SameName(lines[i].name, key)) {
             return static_cast<ptrdiff_t>(i);
         }
     }
@@ -148,8 +151,14 @@ std::string cIniEngine::Update(std::string_view content, std::string_view sectio
     std::string out;
     out.reserve(content.size() + entry.size() + section.size() + 8);
     if (at >= 0) {
+        // The line keeps the key's spelling as the file has it.
         const Line& line = lines[static_cast<size_t>(at)];
-        out.append(content.substr(0, line.begin)).append(entry).append(content.substr(line.end));
+        out.append(content.substr(0, line.begin))
+            .append(line.name)
+            .append("=")
+            .append(value)
+            .append("\r\n")
+            .append(content.substr(line.end));
         return out;
     }
     if (sectionLine >= 0) {

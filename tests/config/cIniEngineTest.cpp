@@ -25,15 +25,34 @@ TEST(cIniEngine, NewKeysGoBehindTheLastLineOfTheirSection) {
         {"[a]\r\nx=1", "[a]\r\nx=1\r\nk=v\r\n"},
         {"[b]\r\ny=2", "[b]\r\ny=2\r\n[a]\r\nk=v\r\n"},
         {"", "[a]\r\nk=v\r\n"},
-        // The first section of the name is the one that is read, so it is the
-        // one that is written.
-        {"[A]\r\n[b]\r\n[a]\r\nk=old\r\n", "[A]\r\n[b]\r\n[a]\r\nk=v\r\n"},
+        // Only the first section of the name is read, so it is the one written.
+        {"[A]\r\n[b]\r\n[a]\r\nk=old\r\n", "[A]\r\nk=v\r\n[b]\r\n[a]\r\nk=old\r\n"},
+        {"[a]\r\nk\r\n", "[a]\r\nk\r\nk=v\r\n"},
         {"[A]\r\nz=1\r\n[a]\r\n", "[A]\r\nz=1\r\nk=v\r\n[a]\r\n"},
         {"[a]\nk = old \nq=1\n", "[a]\nk=v\r\nq=1\n"},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(cIniEngine::Update(c.before, "a", "k", "v"), c.after) << c.before;
     }
+}
+
+TEST(cIniEngine, WritingKeepsEveryOtherLineByteForByte) {
+    const std::string before =
+        "; settings\r\n"
+        "[toval]\r\n"
+        "font_Name = Arial\r\n"
+        "window_mode=1\r\n"
+        "\r\n"
+        "[other]\n"
+        "window_mode=9\n";
+    EXPECT_EQ(cIniEngine::Update(before, "TOVAL", "WINDOW_MODE", "2"),
+              "; settings\r\n"
+              "[toval]\r\n"
+              "font_Name = Arial\r\n"
+              "window_mode=2\r\n"
+              "\r\n"
+              "[other]\n"
+              "window_mode=9\n");
 }
 
 TEST(cIniEngine, AValueCannotBreakIntoTheNextLine) {
