@@ -179,7 +179,9 @@ void cCore::clf_Lyric_Loaded(int32_t requestId, int32_t status) {
         }
         TimerOn(false);
         shell_.DoEvents();
-        if (!plugin_) return;  // closed while the messages ran
+        // The messages just run may have closed the link or announced another
+        // track (whose lookup is now pending): this result is stale then.
+        if (!plugin_ || loadPending_) return;
 
         auto lyric = std::make_shared<cLyric>(&random_);
         lyric->setAuxPictureBox(auxPictureBox_);

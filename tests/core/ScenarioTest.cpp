@@ -60,7 +60,8 @@ struct World {
         } else {
             std::filesystem::create_directories(dir.path() / "cache");
             auto file = std::make_shared<cLyricFile>(
-                globals, std::make_unique<cCache>(globals, random, dir.file(u"cache") + kPathSeparator));
+                globals,
+                std::make_unique<cCache>(globals, random, dir.file(u"cache") + kPathSeparator));
             file->setMusic(plugin.Music());
             source = file;
         }
@@ -156,6 +157,19 @@ TEST(Scenario, TheTrackChangesWhileItsLyricIsLoading) {
     fake->Answer(1, kLyricLocal);
     EXPECT_EQ(w.display.Take(), (Texts{"Clear"}));
     EXPECT_FALSE(w.core->LyricActive());
+
+    // A track announced while the answer is being taken in (the controller
+    // pumps messages there) makes that answer stale as well.
+    w.channel.playlistPosition = 3;
+    w.shell.onDoEvents = [&] {
+        w.shell.onDoEvents = nullptr;
+        w.channel.playlistPosition = 2;
+        w.channel.CopyData(FakePluginChannel::TagRecord("/b.mp3", "B", "", "Two", 1000));
+    };
+    fake->text = u"[10]lyric of three";
+    fake->Answer(3, kLyricLocal);
+    EXPECT_FALSE(w.core->LyricActive());
+    EXPECT_TRUE(w.core->LoadPending());
 
     fake->text = u"[10]lyric of two";
     fake->answerOnLoad = kLyricFromService;
