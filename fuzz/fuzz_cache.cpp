@@ -23,19 +23,24 @@ namespace {
 namespace fs = std::filesystem;
 using namespace toval;
 
-const fs::path& Folder() {
-    static const fs::path folder = [] {
+// A scratch folder of this run, removed at exit.
+struct ScratchFolder {
+    ScratchFolder() {
         std::random_device rd;
-        fs::path p = fs::temp_directory_path() /
-                     ("toval-fuzz-cache-" + std::to_string(rd()) + std::to_string(rd()));
-        fs::create_directories(p);
-        std::atexit([] {
-            std::error_code ec;
-            fs::remove_all(Folder(), ec);
-        });
-        return p;
-    }();
-    return folder;
+        path = fs::temp_directory_path() /
+               ("toval-fuzz-cache-" + std::to_string(rd()) + std::to_string(rd()));
+        fs::create_directories(path);
+    }
+    ~ScratchFolder() {
+        std::error_code ec;
+        fs::remove_all(path, ec);
+    }
+    fs::path path;
+};
+
+const fs::path& Folder() {
+    static const ScratchFolder folder;
+    return folder.path;
 }
 
 void Spit(const fs::path& p, const uint8_t* data, size_t size) {

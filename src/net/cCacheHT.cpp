@@ -16,12 +16,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void PutInt32(std::string& out, int32_t value) {
+// Writes a little-endian int32 and returns the position behind it.
+char* PutInt32(char* at, int32_t value) {
     const auto u = static_cast<uint32_t>(value);
-    out.push_back(static_cast<char>(u & 0xFF));
-    out.push_back(static_cast<char>((u >> 8) & 0xFF));
-    out.push_back(static_cast<char>((u >> 16) & 0xFF));
-    out.push_back(static_cast<char>((u >> 24) & 0xFF));
+    at[0] = static_cast<char>(u & 0xFF);
+    at[1] = static_cast<char>((u >> 8) & 0xFF);
+    at[2] = static_cast<char>((u >> 16) & 0xFF);
+    at[3] = static_cast<char>((u >> 24) & 0xFF);
+    return at + 4;
 }
 
 int32_t GetInt32(const std::string& bytes, size_t at) {
@@ -87,15 +89,13 @@ void cCacheHT::Parse(const std::string& bytes, std::vector<int32_t>& freeList,
 
 std::string cCacheHT::Serialize(const std::vector<int32_t>& freeList,
                                 const std::vector<Entry>& table) {
-    std::string out;
-    out.reserve(4 * freeList.size() + 4 + 8 * table.size());
+    std::string out(4 * freeList.size() + 4 + 8 * table.size(), '\0');
+    char* at = out.data();
     for (int32_t block : freeList)
-        PutInt32(out, block);
-    PutInt32(out, 0);
-    for (const Entry& e : table) {
-        PutInt32(out, e.hash);
-        PutInt32(out, e.block);
-    }
+        at = PutInt32(at, block);
+    at += 4;  // the terminator, 0
+    for (const Entry& e : table)
+        at = PutInt32(PutInt32(at, e.hash), e.block);
     return out;
 }
 
