@@ -125,7 +125,11 @@ TEST(cCore, NewTrackIsLookedUpOnTheNextTickAndPlayed) {
 
     r.source->text =
         u"[PROPERTY]\r\nMUTATION:42\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY][1000]a\r\n[2000]b";
+    // The stream is rebuilt with the timer off; messages pumped meanwhile see it off.
+    bool timerDuringPump = true;
+    r.shell.onDoEvents = [&] { timerDuringPump = r.timer.enabled; };
     r.source->Answer(7, kLyricLocal);
+    EXPECT_FALSE(timerDuringPump);
     EXPECT_TRUE(r.core->LyricActive());
     EXPECT_TRUE(r.timer.enabled);
     EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"Lyric", "Music"}));
