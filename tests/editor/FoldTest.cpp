@@ -19,6 +19,7 @@ class FoldTest : public EditorTest {
     }
 };
 
+using Ints = std::vector<int32_t>;
 using Triples = std::vector<std::tuple<int32_t, int32_t, int32_t>>;
 
 TEST_F(FoldTest, BlocksAreRunsOfNonEmptyLines) {
@@ -72,6 +73,22 @@ TEST_F(FoldTest, RepeatedChorusFoldsIntoItsFirstCopy) {
     // Laid out again on the editor's surface.
     EXPECT_EQ(lyric->AuxPictureBox(), &measure);
     EXPECT_EQ(Line(5)->Delta()->Initial()->Y(), 5 * 16);
+}
+
+TEST_F(FoldTest, TwoVersesFoldIntoOneWithTwoTimesEach) {
+    Load(u"[1]<2>la <3>di\r\n[4]<5>da\r\n[]\r\n[11]<12>la <13>di\r\n[14]<15>da\r\n");
+    editor.implodeToval();
+    // The empty line before the deleted copy stays when nothing follows it:
+    // only runs of empty lines collapse.
+    ASSERT_EQ(editor.Lyric()->GetLineSize(), 3);
+    EXPECT_TRUE(Line(2)->IsEmpty());
+    EXPECT_EQ(Times(Line(0)), (Ints{1, 11}));
+    EXPECT_EQ(Times(Word(0, 1)), (Ints{3, 13}));
+    EXPECT_EQ(Times(Word(1, 0)), (Ints{5, 15}));
+    // With a block after the copy, its separating empty line goes.
+    Load(u"[]a\r\n[]\r\n[]a\r\n[]\r\n[]b\r\n");
+    editor.implodeToval();
+    EXPECT_EQ(editor.Lyric()->GetLineSize(), 3);
 }
 
 TEST_F(FoldTest, CaseDifferencesAndSingleBlocksStay) {
