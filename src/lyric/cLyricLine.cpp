@@ -19,6 +19,29 @@ size_t InStr(std::u16string_view s, size_t from, char16_t c) {
     return i == npos ? 0 : i + 1;
 }
 
+// InStr for one character asked at positions that never go back: remembers
+// the last hit (or that there is none further on), so that asking again and
+// again for a mark that is not there does not rescan the rest of the text.
+class cForwardFind {
+  public:
+    cForwardFind(std::u16string_view s, char16_t c) : s_(s), c_(c) {}
+    size_t At(size_t from) {
+        if (from == 0 || from > s_.size()) return 0;
+        if (!(searched_ && from - 1 >= from_ && (hit_ == npos || hit_ >= from - 1))) {
+            from_ = from - 1;
+            hit_ = s_.find(c_, from_);
+            searched_ = true;
+        }
+        return hit_ == npos ? 0 : hit_ + 1;
+    }
+
+  private:
+    std::u16string_view s_;
+    char16_t c_;
+    size_t from_ = 0, hit_ = npos;
+    bool searched_ = false;
+};
+
 }  // namespace
 
 std::shared_ptr<cDelta> cLyricLine::Delta() const {
@@ -129,10 +152,11 @@ void cLyricLine::setLoad(std::u16string_view s) {
         const size_t firstClose = s.find(u']');
         const size_t signLength = !s.empty() && (s[0] == u'-' || s[0] == u'+') ? 1 : 0;
         const size_t colon = s.find(u':', signLength);
-        size_t p = InStr(s, 1, u'[');
+        cForwardFind open(s, u'['), close(s, u']');
+        size_t p = open.At(1);
         size_t pos = 1;
         for (;;) {
-            const size_t q = InStr(s, pos, u']');
+            const size_t q = close.At(pos);
             if (q <= p) break;
             if (q > p + 1) {
                 const size_t tagLength = q - p - 1;
@@ -146,7 +170,7 @@ void cLyricLine::setLoad(std::u16string_view s) {
                 if (time->Time() != kUnset) times_.Add(std::move(time));
             }
             pos = q + 1;
-            p = InStr(s, pos, u'[');
+            p = open.At(pos);
         }
 
         size_t w = InStr(s, pos, u'<');

@@ -9,12 +9,29 @@ namespace {
 
 constexpr size_t npos = std::u16string_view::npos;
 
-// 1-based position of c at or after the 1-based position from; 0 when absent.
-size_t InStr(std::u16string_view s, size_t from, char16_t c) {
-    if (from == 0 || from > s.size()) return 0;
-    const size_t i = s.find(c, from - 1);
-    return i == npos ? 0 : i + 1;
-}
+// The 1-based position (0 when absent) of one character at or after 1-based
+// positions that never go back. It remembers the last hit (or that there is
+// none further on), so that asking again and again for a mark that is not
+// there does not rescan the rest of the text.
+class cForwardFind {
+  public:
+    cForwardFind(std::u16string_view s, char16_t c) : s_(s), c_(c) {}
+    size_t At(size_t from) {
+        if (from == 0 || from > s_.size()) return 0;
+        if (!(searched_ && from - 1 >= from_ && (hit_ == npos || hit_ >= from - 1))) {
+            from_ = from - 1;
+            hit_ = s_.find(c_, from_);
+            searched_ = true;
+        }
+        return hit_ == npos ? 0 : hit_ + 1;
+    }
+
+  private:
+    std::u16string_view s_;
+    char16_t c_;
+    size_t from_ = 0, hit_ = npos;
+    bool searched_ = false;
+};
 
 }  // namespace
 
@@ -46,7 +63,8 @@ void cLyricWord::setLoad(std::u16string_view s) {
         times_.Free(true);
         // Positions are 1-based, 0 meaning "none": with no "<" before it, a ">"
         // closes a tag that starts at the beginning of the record.
-        size_t p = InStr(s, 1, u'<');
+        cForwardFind open(s, u'<'), close(s, u'>');
+        size_t p = open.At(1);
         size_t pos = 1;
         // Once no "<" is left, every further tag is the whole record up to the
         // next ">", which then holds an earlier ">": such a text is never a
@@ -57,7 +75,7 @@ void cLyricWord::setLoad(std::u16string_view s) {
         const size_t signLength = !s.empty() && (s[0] == u'-' || s[0] == u'+') ? 1 : 0;
         const size_t colon = s.find(u':', signLength);
         for (;;) {
-            const size_t q = InStr(s, pos, u'>');
+            const size_t q = close.At(pos);
             if (q <= p) break;
             if (q > p + 1) {
                 auto time = std::make_shared<cTime>();
@@ -70,7 +88,7 @@ void cLyricWord::setLoad(std::u16string_view s) {
                 times_.Add(std::move(time));
             }
             pos = q + 1;
-            p = InStr(s, pos, u'<');
+            p = open.At(pos);
         }
         text_ = s.substr(pos - 1);
     });
