@@ -1,6 +1,7 @@
 #include "cCliMain.h"
 
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -107,6 +108,15 @@ int cCliMain::Run(const std::vector<std::string>& args) {
         err_ << kName << ": " << a.error << "\nTry 'toval-lyric --help'.\n";
         return kExitUsage;
     }
+    try {
+        return Dispatch(a);
+    } catch (const std::exception& e) {
+        // A name that no text form can hold, memory running out: say so, never crash.
+        return Fail(kExitFile, std::string("cannot go on: ") + e.what());
+    }
+}
+
+int cCliMain::Dispatch(const cCliArgs& a) {
     switch (a.command) {
         case cCliArgs::Command::kHelp:
             out_ << Usage();
@@ -211,7 +221,7 @@ int cCliMain::Lookup(const cCliArgs& a) {
     cPosixLoop loop;
     cLyricFile lookup(globals, std::make_unique<cCache>(globals, random, folder));
     const auto track = TrackOf(a);
-    track->setFileAddress(Text(std::filesystem::absolute(a.file, ec).string()));
+    track->setFileAddress(std::filesystem::absolute(a.file, ec).u16string());
     lookup.setMusic(track);
 
     // The last status, and whether the service has answered (any result).

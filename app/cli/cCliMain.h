@@ -31,6 +31,7 @@ class cCliMain {
     static const char* Usage();
 
   private:
+    int Dispatch(const cCliArgs& a);
     int Lookup(const cCliArgs& a);
     int Print(const cCliArgs& a);
     int Convert(const cCliArgs& a);

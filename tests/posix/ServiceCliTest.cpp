@@ -156,6 +156,10 @@ TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
     EXPECT_EQ(o.code, kExitOk);
     EXPECT_EQ(Read(dir.path() / "wave.tvl"), "[1]wave");
 
+    // A file name that is not UTF-8 ends in a message, never in a crash.
+    o = Tool({"lookup", (dir.path() / "\xff\xfe.mp3").string(), "--cache", cache.path().string()});
+    EXPECT_TRUE(o.code == kExitNotFound || o.code == kExitFile) << o.code;
+
     // What the service says, as exit codes.
     const std::string none = (dir.path() / "none.mp3").string();
     const struct {
