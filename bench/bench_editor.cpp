@@ -82,11 +82,13 @@ void BM_ArrowPress(benchmark::State& state) {
         e.globals.PlayPosition = position += 10;
         e.editor.pb_Main_KeyDown(kKeyRight, 0);
     }
-    state.counters["words"] = 0;
     int32_t words = 0;
     for (int32_t l = 0; l < e.editor.Lyric()->GetLineSize(); ++l)
         words += e.editor.Lyric()->GetLine(l)->GetWordSize();
     state.counters["words"] = words;
+    // Memory of the undo history: line copies held after all those presses.
+    state.counters["undo_lines"] = static_cast<double>(e.editor.History().HeldLines());
+    state.counters["undo_steps"] = static_cast<double>(e.editor.History().UndoSize());
 }
 BENCHMARK(BM_ArrowPress)->Arg(1)->Arg(4);
 

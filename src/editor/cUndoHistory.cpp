@@ -1,6 +1,7 @@
 #include "editor/cUndoHistory.h"
 
 #include <memory>
+#include <set>
 #include <utility>
 
 #include "lyric/cLyric.h"
@@ -29,7 +30,7 @@ void AddTimes(Element& element, const std::vector<int32_t>& times) {
 
 }  // namespace
 
-cUndoHistory::Snapshot cUndoHistory::Take(const cLyric& lyric) {
+cUndoHistory::Snapshot cUndoHistory::Take(const cLyric& lyric, const Snapshot* previous) {
     Snapshot snapshot;
     snapshot.reserve(static_cast<size_t>(lyric.GetLineSize()));
     for (int32_t l = 0; l < lyric.GetLineSize(); ++l) {
@@ -40,15 +41,40 @@ cUndoHistory::Snapshot cUndoHistory::Take(const cLyric& lyric) {
         for (int32_t w = 0; w < line->GetWordSize(); ++w)
             if (const auto word = line->GetWord(w))
                 copy.words.push_back({word->Text(), TimesOf(*word)});
-        snapshot.push_back(std::move(copy));
+        const size_t index = snapshot.size();
+        if (previous && index < previous->size() && *(*previous)[index] == copy)
+            snapshot.push_back((*previous)[index]);
+        else
+            snapshot.push_back(std::make_shared<const Line>(std::move(copy)));
     }
     return snapshot;
+}
+
+bool cUndoHistory::Same(const Snapshot& a, const Snapshot& b) {
+    if (a.size() != b.size()) return false;
+    for (size_t i = 0; i < a.size(); ++i)
+        if (a[i] != b[i] && !(*a[i] == *b[i])) return false;
+    return true;
+}
+
+const cUndoHistory::Snapshot* cUndoHistory::Newest() const {
+    return undo_.empty() ? nullptr : &undo_.back();
+}
+
+size_t cUndoHistory::HeldLines() const {
+    std::set<const Line*> lines;
+    for (const auto* stack : {&undo_, &redo_})
+        for (const Snapshot& snapshot : *stack)
+            for (const auto& line : snapshot)
+                lines.insert(line.get());
+    return lines.size();
 }
 
 void cUndoHistory::Restore(const Snapshot& snapshot, cLyric& lyric) {
     while (lyric.GetLineSize() > 0)
         lyric.RemoveLine(lyric.GetLineSize() - 1);
-    for (const Line& copy : snapshot) {
+    for (const auto& shared : snapshot) {
+        const Line& copy = *shared;
         auto line = std::make_shared<cLyricLine>();
         line->setText(copy.text);
         line->setKaraoke(copy.karaoke);
@@ -71,12 +97,12 @@ void cUndoHistory::Push(std::deque<Snapshot>& stack, Snapshot snapshot, size_t c
 }
 
 void cUndoHistory::Record(const cLyric& lyric) {
-    Push(undo_, Take(lyric), capacity_);
+    Push(undo_, Take(lyric, Newest()), capacity_);
     redo_.clear();
 }
 
 bool cUndoHistory::DropIfUnchanged(const cLyric& lyric) {
-    if (undo_.empty() || !(undo_.back() == Take(lyric))) return false;
+    if (undo_.empty() || !Same(undo_.back(), Take(lyric, &undo_.back()))) return false;
     undo_.pop_back();
     return true;
 }
@@ -85,7 +111,7 @@ bool cUndoHistory::Undo(cLyric& lyric) {
     if (undo_.empty()) return false;
     Snapshot previous = std::move(undo_.back());
     undo_.pop_back();
-    Push(redo_, Take(lyric), capacity_);
+    Push(redo_, Take(lyric, &previous), capacity_);
     Restore(previous, lyric);
     return true;
 }
@@ -94,7 +120,7 @@ bool cUndoHistory::Redo(cLyric& lyric) {
     if (redo_.empty()) return false;
     Snapshot next = std::move(redo_.back());
     redo_.pop_back();
-    Push(undo_, Take(lyric), capacity_);
+    Push(undo_, Take(lyric, &next), capacity_);
     Restore(next, lyric);
     return true;
 }

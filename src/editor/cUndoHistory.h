@@ -2,12 +2,14 @@
 // taken before each change (stamps, deletions, range operations, folds), with
 // undo and redo. It holds at most Capacity() steps; the oldest goes first.
 // A copy is of values only, so restoring gives the lyric new line, word and
-// time objects.
+// time objects. Steps share the copies of lines that did not change, so a
+// step of one stamp costs one line, not the whole lyric.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -35,6 +37,8 @@ class cUndoHistory {
     size_t UndoSize() const { return undo_.size(); }
     size_t Capacity() const { return capacity_; }
     void Clear();
+    // Line copies held by all steps, each shared copy counted once.
+    size_t HeldLines() const;
 
   private:
     struct Word {
@@ -49,9 +53,13 @@ class cUndoHistory {
         std::vector<Word> words;
         bool operator==(const Line&) const = default;
     };
-    using Snapshot = std::vector<Line>;
+    using Snapshot = std::vector<std::shared_ptr<const Line>>;
 
-    static Snapshot Take(const cLyric& lyric);
+    // The lyric's lines; a line equal to the one at the same index of
+    // `previous` shares its copy.
+    static Snapshot Take(const cLyric& lyric, const Snapshot* previous);
+    static bool Same(const Snapshot& a, const Snapshot& b);
+    const Snapshot* Newest() const;
     static void Restore(const Snapshot& snapshot, cLyric& lyric);
     static void Push(std::deque<Snapshot>& stack, Snapshot snapshot, size_t capacity);
 

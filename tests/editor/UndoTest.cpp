@@ -47,6 +47,25 @@ TEST(UndoHistory, RestoresStructureTextsAndTimesWithinItsBound) {
     EXPECT_FALSE(history.DropIfUnchanged(lyric));
 }
 
+TEST(UndoHistory, StepsShareTheLinesThatDidNotChange) {
+    cLyric lyric;
+    std::u16string text;
+    for (int i = 0; i < 20; ++i)
+        text += u"[]<>la <>di\r\n";
+    lyric.setLoad(text);
+    cUndoHistory history(100);
+    for (int i = 0; i < 10; ++i) {
+        history.Record(lyric);
+        lyric.GetLine(3)->GetWord(1)->AddTime(std::make_shared<cTime>(i));
+    }
+    EXPECT_EQ(history.HeldLines(), 20u + 9u);
+    // Undoing everything gives each step back whole.
+    while (history.Undo(lyric)) {
+    }
+    EXPECT_EQ(lyric.Load(), text);
+    EXPECT_EQ(history.HeldLines(), 19u + 10u);  // the redo steps: ten versions of line 3
+}
+
 class UndoTest : public EditorTest {};
 
 TEST_F(UndoTest, StampsUndoAndRedoWithTheKeysAndEachChangeMutates) {
