@@ -330,100 +330,71 @@ TEST_F(cConfigTest, EverySettingSurvivesSaveAndLoad) {
     cConfig config(globals, shell, ini);
     config.Load(false);
     cSettings& s = globals.Settings;
-    s.conn_Server = u"lyrics.example";
-    s.proxy_Host = u"proxy.lan";
-    s.proxy_Port = 3128;
-    s.proxy_Enabled = true;
-    s.font_Bold = false;
-    s.font_UnderlineTitle = false;
-    s.font_Italic = true;
-    s.font_Name = u"Caf\u00e9 Sans \u2603";
-    s.font_Size = -32768;
-    s.font_Strikethru = true;
-    s.font_Underline = true;
-    s.text_alignment = 1;
-    s.color_Backround = 1;
-    s.color_BackText = 2;
-    s.color_NormalText = 3;
-    s.color_HighlighText = -1;
-    s.tray_Border = 4;
-    s.tray_Refresh = 5;
-    s.tray_FastRefresh = 6;
-    s.tray_MaxTraySize = 32767;
-    s.effect_Alpha = 255;
-    s.effect_AlwaysOnTop = false;
-    s.timer_PictureRefresh = 7;
-    s.timer_TrackPosRefresh = 8;
-    s.timer_PlayerStateRefresh = INT32_MIN;
-    s.pos_WinTop = -10;
-    s.pos_WinLeft = 11;
-    s.size_WinWidth = 12;
-    s.size_WinHeight = 13;
-    s.pos_EditWinTop = 14;
-    s.pos_EditWinLeft = 15;
-    s.size_EditWinWidth = 16;
-    s.size_EditWinHeight = INT32_MAX;
-    s.edt_AutoImplode = true;
-    s.ply_Attach = false;
-    s.plugin_AutoStart = false;
-    s.window_mode = 1;
+    // A value other than the default in every field, in the record's order.
+    s = {u"x",
+         u"lyrics.example",
+         u"proxy.lan",
+         3128,
+         true,
+         false,
+         false,
+         true,
+         u"Caf\u00e9 \u2603",
+         -32768,
+         true,
+         true,
+         1,
+         1,
+         2,
+         3,
+         -1,
+         4,
+         5,
+         6,
+         32767,
+         255,
+         false,
+         7,
+         8,
+         INT32_MIN,
+         -10,
+         11,
+         12,
+         13,
+         14,
+         15,
+         16,
+         INT32_MAX,
+         true,
+         false,
+         false,
+         1};
     s.cache_size = 17;
     s.cache_simple = false;
     PutLanguage("heil.ini", "[info]\r\nalignment=1\r\n");
     globals.LanguageFile = globals.ProgramFolder + u"heil.ini";
     config.Save(false);
     config.Save(true);
-    EXPECT_TRUE(globals.RightToLeft);
+    const std::string saved = ConfigBytes();
 
-    cSettings saved = s;
-    // Characters outside the 8-bit code page do not survive the file.
-    saved.font_Name = u"Caf\u00e9 Sans ?";
+    // A fresh record loaded from the file saves the very same file: a key that
+    // did not load would be written back with its default.
     cGlobals fresh;
     fresh.ProgramFolder = globals.ProgramFolder;
     cConfig again(fresh, shell, ini);
     again.Load(false);
-    const cSettings& t = fresh.Settings;
-    EXPECT_EQ(t.language_name, u"heil");
-    EXPECT_EQ(t.conn_Server, saved.conn_Server);
-    EXPECT_EQ(t.proxy_Host, saved.proxy_Host);
-    EXPECT_EQ(t.proxy_Port, saved.proxy_Port);
-    EXPECT_EQ(t.proxy_Enabled, saved.proxy_Enabled);
-    EXPECT_EQ(t.font_Bold, saved.font_Bold);
-    EXPECT_EQ(t.font_UnderlineTitle, saved.font_UnderlineTitle);
-    EXPECT_EQ(t.font_Italic, saved.font_Italic);
-    EXPECT_EQ(t.font_Name, saved.font_Name);
-    EXPECT_EQ(t.font_Size, saved.font_Size);
-    EXPECT_EQ(t.font_Strikethru, saved.font_Strikethru);
-    EXPECT_EQ(t.font_Underline, saved.font_Underline);
-    EXPECT_EQ(t.text_alignment, saved.text_alignment);
-    EXPECT_EQ(t.color_Backround, saved.color_Backround);
-    EXPECT_EQ(t.color_BackText, saved.color_BackText);
-    EXPECT_EQ(t.color_NormalText, saved.color_NormalText);
-    EXPECT_EQ(t.color_HighlighText, saved.color_HighlighText);
-    EXPECT_EQ(t.tray_Border, saved.tray_Border);
-    EXPECT_EQ(t.tray_Refresh, saved.tray_Refresh);
-    EXPECT_EQ(t.tray_FastRefresh, saved.tray_FastRefresh);
-    EXPECT_EQ(t.tray_MaxTraySize, saved.tray_MaxTraySize);
-    EXPECT_EQ(t.effect_Alpha, saved.effect_Alpha);
-    EXPECT_EQ(t.effect_AlwaysOnTop, saved.effect_AlwaysOnTop);
-    EXPECT_EQ(t.timer_PictureRefresh, saved.timer_PictureRefresh);
-    EXPECT_EQ(t.timer_TrackPosRefresh, saved.timer_TrackPosRefresh);
-    EXPECT_EQ(t.timer_PlayerStateRefresh, saved.timer_PlayerStateRefresh);
-    EXPECT_EQ(t.pos_WinTop, saved.pos_WinTop);
-    EXPECT_EQ(t.pos_WinLeft, saved.pos_WinLeft);
-    EXPECT_EQ(t.size_WinWidth, saved.size_WinWidth);
-    EXPECT_EQ(t.size_WinHeight, saved.size_WinHeight);
-    EXPECT_EQ(t.pos_EditWinTop, saved.pos_EditWinTop);
-    EXPECT_EQ(t.pos_EditWinLeft, saved.pos_EditWinLeft);
-    EXPECT_EQ(t.size_EditWinWidth, saved.size_EditWinWidth);
-    EXPECT_EQ(t.size_EditWinHeight, saved.size_EditWinHeight);
-    EXPECT_EQ(t.edt_AutoImplode, saved.edt_AutoImplode);
-    EXPECT_EQ(t.ply_Attach, saved.ply_Attach);
-    EXPECT_EQ(t.plugin_AutoStart, saved.plugin_AutoStart);
-    EXPECT_EQ(t.window_mode, saved.window_mode);
-    EXPECT_EQ(t.cache_size, saved.cache_size);
-    EXPECT_EQ(t.cache_simple, saved.cache_simple);
     EXPECT_TRUE(fresh.RightToLeft);
+    EXPECT_EQ(fresh.Settings.language_name, u"heil");
+    // Characters outside the 8-bit code page do not survive the file.
+    EXPECT_EQ(fresh.Settings.font_Name, u"Caf\u00e9 ?");
+    EXPECT_EQ(fresh.Settings.timer_PlayerStateRefresh, INT32_MIN);
+    std::filesystem::remove(ConfigPath());
+    fresh.LanguageFile = globals.LanguageFile;
+    again.Save(false);
+    again.Save(true);
+    EXPECT_EQ(ConfigBytes(), saved);
+    EXPECT_NE(saved.find("color_HighlighText=-1\r\n"), std::string::npos);
+    EXPECT_NE(saved.find("cache_simple=0\r\n"), std::string::npos);
 }
 
 TEST_F(cConfigTest, TheLanguageNameIsSavedOnlyFromAPathWithFolderAndExtension) {
