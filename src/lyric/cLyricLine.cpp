@@ -230,11 +230,7 @@ void cLyricLine::Resize() {
             if (!word) continue;
             prefix += word->Text();
             const int32_t after = aux_->TextExtent(prefix).cx;
-            auto wordBox = word->Delta();
-            if (!wordBox) {
-                wordBox = std::make_shared<cDelta>();
-                word->setDelta(wordBox);
-            }
+            const auto wordBox = word->Delta();
             wordBox->setInitial(std::make_shared<c2DPoint>(WrapAdd(left, before), top));
             wordBox->setFinal(std::make_shared<c2DPoint>(WrapAdd(left, after), bottom));
             before = after;

@@ -35,7 +35,10 @@ class cForwardFind {
 
 }  // namespace
 
-cLyricWord::cLyricWord() : delta_(std::make_shared<cDelta>()) {}
+std::shared_ptr<cDelta> cLyricWord::Delta() const {
+    if (!delta_) delta_ = std::make_shared<cDelta>();
+    return delta_;
+}
 
 std::u16string cLyricWord::Load() const {
     return Guarded("cLyricWord.Load [Get]", std::u16string(), [&] {

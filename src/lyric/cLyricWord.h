@@ -17,9 +17,11 @@ namespace toval {
 
 class cLyricWord {
   public:
-    cLyricWord();
+    cLyricWord() = default;
 
-    std::shared_ptr<cDelta> Delta() const { return delta_; }
+    // Made on first request (most words of a long lyric are never laid out
+    // before they are shown), then kept.
+    std::shared_ptr<cDelta> Delta() const;
     void setDelta(std::shared_ptr<cDelta> delta) { delta_ = std::move(delta); }
 
     // 0-based; nullptr out of range.
@@ -47,7 +49,7 @@ class cLyricWord {
 
   private:
     std::u16string text_;
-    std::shared_ptr<cDelta> delta_;
+    mutable std::shared_ptr<cDelta> delta_;
     cObjectArray<cTime> times_;
 };
 
