@@ -64,7 +64,7 @@ void cCacheMD::setFileAddress(const std::u16string& path) {
     });
 }
 
-int64_t cCacheMD::FileLength() {
+int64_t cCacheMD::Length() {
     if (!file_.is_open()) return 0;
     if (length_ < 0) {
         file_.clear();
@@ -72,11 +72,20 @@ int64_t cCacheMD::FileLength() {
         const auto end = static_cast<int64_t>(file_.tellg());
         if (!file_ || end < 0) {
             file_.clear();
-            return 0;
+            // Guessing 0 would put new blocks over the first entries.
+            throw std::runtime_error("cannot measure the file");
         }
         length_ = end;
     }
     return length_;
+}
+
+int64_t cCacheMD::FileLength() {
+    return Guarded("cCacheMD.FileLength", int64_t{0}, [&] { return Length(); });
+}
+
+int32_t cCacheMD::WholeBlocks() {
+    return static_cast<int32_t>(std::min<int64_t>(Length() / kBlockSize, INT32_MAX));
 }
 
 int32_t cCacheMD::BlockCount() {
@@ -84,7 +93,7 @@ int32_t cCacheMD::BlockCount() {
 }
 
 bool cCacheMD::ReadBlock(int32_t block, char* out) {
-    if (block < 1 || FileLength() < BlockOffset(block) + kBlockSize) return false;
+    if (block < 1 || Length() < BlockOffset(block) + kBlockSize) return false;
     file_.clear();
     file_.seekg(BlockOffset(block));
     file_.read(out, kBlockSize);
@@ -100,7 +109,7 @@ void cCacheMD::WriteBlock(int32_t block, const char* data) {
     if (block < 1) throw std::runtime_error("block number out of range");
     const int64_t offset = BlockOffset(block);
     // Measured before the write: the length decides where new blocks go.
-    const int64_t before = FileLength();
+    const int64_t before = Length();
     file_.clear();
     file_.seekp(offset);
     file_.write(data, kBlockSize);
@@ -118,7 +127,7 @@ int32_t cCacheMD::GetNextFreeAddress(std::vector<int32_t>& freeList, int32_t pen
         freeList.pop_back();
         return block;
     }
-    const int64_t block = FileLength() / kBlockSize + 1 + pending;
+    const int64_t block = Length() / kBlockSize + 1 + pending;
     if (block > INT32_MAX) throw std::runtime_error("the block file is full");
     return static_cast<int32_t>(block);
 }
@@ -134,7 +143,7 @@ bool cCacheMD::IsFile(int32_t block, std::string_view key) {
 
 std::string cCacheMD::Assemble(const char* head) {
     const int32_t total = ReadInt32(head);
-    const int32_t blocks = BlockCount();
+    const int32_t blocks = WholeBlocks();
     // A length that no chain in this file could hold is damage: a miss.
     if (total < 0 || total > Capacity(blocks)) return {};
     const auto want = static_cast<size_t>(total);
@@ -175,7 +184,7 @@ int32_t cCacheMD::SetData(std::vector<int32_t>& freeList, std::string_view key,
     return Guarded("cCacheMD.SetData", kUnset, [&]() -> int32_t {
         if (!file_.is_open() || text.empty()) return kUnset;
         if (text.size() > static_cast<size_t>(INT32_MAX)) return kUnset;
-        const int32_t blocksInFile = BlockCount();
+        const int32_t blocksInFile = WholeBlocks();
         std::unordered_set<int32_t> used;
         int32_t lastNew = 0;  // highest block this write has taken past the end
         auto nextBlock = [&](int32_t pending) {
@@ -252,7 +261,7 @@ void cCacheMD::DelData(int32_t block, std::vector<int32_t>& freeList) {
         if (!isFree.insert(block).second) return;
         freeList.push_back(block);
 
-        const int32_t blocks = BlockCount();
+        const int32_t blocks = WholeBlocks();
         const int32_t total = ReadInt32(buffer);
         // The chain is trusted only as far as the length asks; a head whose
         // length is impossible frees itself alone (its links may point anywhere).
@@ -264,7 +273,7 @@ void cCacheMD::DelData(int32_t block, std::vector<int32_t>& freeList) {
             freeList.push_back(next);
             // A continuation's successor is followed only when the file goes on
             // past the block: the very last block of the file ends the walk.
-            if (FileLength() < BlockOffset(next) + kBlockSize + 1) break;
+            if (Length() < BlockOffset(next) + kBlockSize + 1) break;
             if (!ReadBlock(next, buffer)) break;
             next = ReadInt32(buffer);
         }

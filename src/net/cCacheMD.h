@@ -51,11 +51,17 @@ class cCacheMD {
     // past the end of the file plus `pending` blocks chosen but not yet written.
     int32_t GetNextFreeAddress(std::vector<int32_t>& freeList, int32_t pending);
 
-    // Length of the file in bytes (0 when closed), and whole blocks in it.
+    // Length of the file in bytes, and whole blocks in it (0 when closed or
+    // unmeasurable).
     int64_t FileLength();
     int32_t BlockCount();
 
   private:
+    // The length, or an exception when the open file cannot be measured.
+    int64_t Length();
+    // Whole blocks in the file; throws like Length.
+    int32_t WholeBlocks();
+
     // Reads block `block` when it lies whole in the file.
     bool ReadBlock(int32_t block, char* out);
     // Writes a whole block; throws when the disk refuses.

@@ -8,7 +8,9 @@
 #include <memory>
 #include <string>
 
+#include "config/cErrorLog.h"
 #include "core/cMusic.h"
+#include "fakes/FakeClock.h"
 #include "fakes/FakeRandom.h"
 #include "fakes/FakeShell.h"
 #include "fakes/TempDir.h"
@@ -347,7 +349,10 @@ TEST_F(cCacheTest, DamagedFilesReadAsMissesAndHarmNoOtherEntry) {
     }
 }
 
-TEST_F(cCacheTest, AFolderThatCannotBeUsedGivesAQuietEmptyCache) {
+TEST_F(cCacheTest, AFolderThatCannotBeUsedGivesAQuietEmptyCacheAndTrailLines) {
+    FakeClock clock;
+    cErrorLog log(dir.folder(), clock);
+    setErrorTrail(&log);
     globals.ProgramFolder = dir.file(u"no/such/folder");
     shell.specialFolder = dir.file(u"missing-parent");
     shell.specialFolder += char16_t(fs::path::preferred_separator);
@@ -356,6 +361,11 @@ TEST_F(cCacheTest, AFolderThatCannotBeUsedGivesAQuietEmptyCache) {
     EXPECT_FALSE(cache->SetLyric(Track(u"A", u"a"), Lyric(10)));
     EXPECT_EQ(cache->GetLyric(Track(u"A", u"a")), u"");
     cache->ClearCache();
+    setErrorTrail(nullptr);
+    const std::string trail = Slurp(dir.path() / "Error.log");
+    EXPECT_NE(trail.find("cCacheMD.FileAddress [Let] ; "), std::string::npos) << trail;
+    EXPECT_NE(trail.find("cCacheHT.FileAddress [Let] ; "), std::string::npos) << trail;
+    EXPECT_TRUE(shell.boxes.empty());
 }
 
 }  // namespace
