@@ -13,8 +13,8 @@ if (($#)); then
     exec "$tool" "$@"
 fi
 
-echo "== samples/harbour.tvl, line by line"
-"$tool" print samples/harbour.tvl
+echo "== samples/harbour.tvl: its lines and words with their times"
+"$tool" print samples/harbour.tvl --words
 echo
 echo "== the lyric of the track samples/harbour.mp3, found beside it, as LRC"
 "$tool" lookup samples/harbour.mp3 --cache build/default/lyric-cache --format lrc \

@@ -71,6 +71,10 @@ cCliArgs cCliArgs::Parse(const std::vector<std::string>& args) {
             a.saveBeside = true;
             continue;
         }
+        if (arg == "--words") {
+            a.words = true;
+            continue;
+        }
         std::string name = arg;
         std::string value;
         bool hasValue = false;

@@ -25,6 +25,7 @@ struct cCliArgs {
     std::string cache;        // the cache folder; empty: the per-user one
     bool saveBeside = false;  // keep a service lyric as a .tvl file beside the track
     Format format = Format::kLines;
+    bool words = false;  // lines: show the word times of karaoke lines
     bool formatGiven = false;
     std::string output;  // convert: the file to write; empty: standard output
 

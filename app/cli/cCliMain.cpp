@@ -53,7 +53,9 @@ std::shared_ptr<cMusic> TrackOf(const cCliArgs& a) {
 }
 
 // "mm:ss.cc" per line time, then the display text.
-std::u16string Lines(const cLyric& lyric) {
+// With words: a second line under each karaoke line, every timed word behind
+// its first time, "<mm:ss.cc>word".
+std::u16string Lines(const cLyric& lyric, bool words) {
     std::u16string out;
     for (int32_t i = 0; i < lyric.GetLineSize(); ++i) {
         const auto line = lyric.GetLine(i);
@@ -67,6 +69,15 @@ std::u16string Lines(const cLyric& lyric) {
         }
         if (times.empty()) times = u"        ";
         out += times + u"  " + line->TextRebuild() + u"\n";
+        if (!words || line->GetWordSize() == 0 || line->Simple()) continue;
+        std::u16string timed = u"          ";
+        for (int32_t w = 0; w < line->GetWordSize(); ++w) {
+            const auto word = line->GetWord(w);
+            if (!word) continue;
+            if (const auto time = word->GetTime(0)) timed += u"<" + time->TextSimple() + u">";
+            timed += word->Text();
+        }
+        out += timed + u"\n";
     }
     return out;
 }
@@ -94,6 +105,7 @@ const char* cCliMain::Usage() {
            "                        the track (default: in the cache)\n"
            "Output:\n"
            "  --format FORMAT       lines, tvl, lrc or text (lookup and print: lines)\n"
+           "  --words               lines: the word times of karaoke lines too\n"
            "  --to FORMAT           the same (convert: tvl)\n"
            "  -o, --output FILE     convert: write here instead of standard output\n"
            "  -h, --help            this help;  --version  the version\n"
@@ -175,7 +187,7 @@ std::u16string cCliMain::Render(const std::u16string& text, const cCliArgs& a) {
         case cCliArgs::Format::kLines:
             break;
     }
-    return Lines(lyric);
+    return Lines(lyric, a.words);
 }
 
 int cCliMain::Print(const cCliArgs& a) {

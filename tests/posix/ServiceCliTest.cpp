@@ -89,6 +89,11 @@ TEST(ServiceCli, PrintAndConvertReadAndWriteRealFiles) {
     EXPECT_EQ(o.code, kExitOk);
     EXPECT_EQ(o.out.substr(0, o.out.find('\n')), "00:01.00  Lanterns on the harbour wall");
 
+    o = Tool({"print", kSample, "--words"});
+    EXPECT_EQ(o.out.substr(0, o.out.find("Boats")),
+              "00:01.00  Lanterns on the harbour wall\n          <00:01.00>Lanterns "
+              "<00:01.70>on <00:01.95>the <00:02.20>harbour <00:03.00>wall\n00:04.20  ");
+
     Write(dir.path() / "mixed.lrc", "[ar:Me]\r\n[00:01.50][00:09.00]Hi\r\nno time\r\n");
     o = Tool({"print", (dir.path() / "mixed.lrc").string()});
     EXPECT_EQ(o.out, "00:01.50 00:09.00  Hi\n          no time\n");
