@@ -197,6 +197,10 @@ void cEditor::BuildLyricFromText() {
         lyric->setLoad(records ? editText_ : textToLyric(editText_));
         lyric_ = std::move(lyric);
         Mutated();
+    } else if (lyric_->RightToLeft() != editRightToLeft_) {
+        // The direction box was changed after loading the file.
+        lyric_->setRightToLeft(editRightToLeft_);
+        Mutated();
     }
     if (music_.MiliDuration() > 0) lyric_->setTrackLength(music_.MiliDuration());
     history_.Clear();

@@ -150,6 +150,13 @@ TEST_F(StepsTest, LoadReadsAFileIntoTextBoxAndLyric) {
     editor.cmdNext_Click();
     EXPECT_EQ(Times(Word(0, 1)), Ints{1500});
     EXPECT_EQ(editor.Lyric()->Mutation(), 77);
+    // Its direction follows the box, which the user may change.
+    editor.cmdBack_Click();
+    editor.chkRighttoleft_Click(false);
+    editor.cmdNext_Click();
+    EXPECT_FALSE(editor.Lyric()->RightToLeft());
+    EXPECT_EQ(Times(Word(0, 1)), Ints{1500});
+    EXPECT_NE(editor.Lyric()->Mutation(), 77);
     // Once the text is edited, it is converted again.
     editor.cmdBack_Click();
     editor.txtEdit_Change(view.editText + u"third line");
