@@ -23,6 +23,7 @@ class cEventStream {
     // position: the play position in ms that each tick reads (the program-wide
     // one, or the editor's own); it must outlive the stream.
     explicit cEventStream(const int32_t& position);
+    explicit cEventStream(int32_t&&) = delete;  // a temporary position would dangle
     explicit cEventStream(const cGlobals& globals);
 
     // Builds the list from the lyric's line and word times (empty for nullptr).

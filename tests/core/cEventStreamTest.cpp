@@ -190,7 +190,8 @@ TEST(cEventStream, SortMatchesTheRecursiveDefinitionOnManyTies) {
         }
     }
     // Out-of-range bounds are refused rather than read.
-    cEventStream stream{0};
+    const int32_t position = 0;
+    cEventStream stream{position};
     stream.AddEvent(0, kUnset, std::make_shared<cTime>(1));
     stream.QuickSort(-1, 5);
     EXPECT_EQ(stream.NumEvents(), 1);
