@@ -37,11 +37,20 @@ void AppendLine(std::string& out, std::string_view name, std::string_view value)
 }  // namespace
 
 bool SplitHttpUrl(std::string_view url, std::string& hostPart, std::string& target) {
+    // A control character would let a URL add lines of its own to the request
+    // (a server host learnt from a service answer is not to be trusted), and a
+    // blank cannot be part of a host name.
+    for (const char c : url) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x20 || byte == 0x7F) return false;
+    }
     const size_t slashes = url.find("//");
     if (slashes == std::string_view::npos) return false;
     const size_t hostStart = slashes + 2;
     const size_t pathStart = url.find('/', hostStart);
     if (pathStart == std::string_view::npos) return false;
+    if (url.substr(hostStart, pathStart - hostStart).find(' ') != std::string_view::npos)
+        return false;
     hostPart.assign(url.substr(hostStart, pathStart - hostStart));
     target.assign(url.substr(pathStart));
     return true;

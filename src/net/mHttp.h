@@ -10,7 +10,9 @@ namespace toval {
 
 // Splits "scheme://host/path" into the host part (everything between the first
 // "//" and the next "/") and the target (from that "/" on). False when there
-// is no "//" or no "/" after the host: such a URL is never requested.
+// is no "//" or no "/" after the host, when the URL holds a control character
+// (CR LF would add lines to the request) or the host part a blank: such a URL
+// is never requested.
 bool SplitHttpUrl(std::string_view url, std::string& hostPart, std::string& target);
 
 // The host and port to reach without a proxy. A host part "h:p" gives host "h"

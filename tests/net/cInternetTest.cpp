@@ -124,6 +124,10 @@ TEST_F(InternetTest, UrlsGiveHostPortAndTargetOrAreRejected) {
         {"h/x", false, "", 0, "", ""},
         {"http:/h/x", false, "", 0, "", ""},
         {"", false, "", 0, "", ""},
+        {"http://evil\r\nX-Injected: 1/x", false, "", 0, "", ""},
+        {"http://h/x\r\nX-Injected: 1", false, "", 0, "", ""},
+        {"http://a b/x", false, "", 0, "", ""},
+        {"http://h/a b", true, "h", 80, "GET /a b HTTP/1.0", "Host: h"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.url);
