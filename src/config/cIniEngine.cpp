@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 #include <vector>
 
@@ -105,11 +104,18 @@ std::string Cut(std::string_view text, size_t bufferSize) {
     return std::string(text.substr(0, bufferSize - 1));
 }
 
+// The whole file; found is false when it cannot be opened or read (a folder
+// in its place included).
 std::string ReadWholeFile(const std::filesystem::path& path, bool& found) {
     std::ifstream in(path, std::ios::binary);
-    found = static_cast<bool>(in);
-    if (!found) return {};
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    std::string content;
+    char chunk[16384];
+    while (in.read(chunk, sizeof chunk) || in.gcount() > 0) {
+        content.append(chunk, static_cast<size_t>(in.gcount()));
+    }
+    found = in.is_open() && !in.bad();
+    if (!found) content.clear();
+    return content;
 }
 
 }  // namespace

@@ -144,6 +144,12 @@ TYPED_TEST_P(IniFileContract, AnUnwritableFileIsReportedAndChangesNothing) {
     const std::u16string nowhere = this->dir.file(u"missing-folder") + u"/config.ini";
     EXPECT_FALSE(this->ini->WriteString(nowhere, "toval", "k", "v"));
     EXPECT_EQ(this->ini->ReadString(nowhere, "toval", "k", "d", 1024), "d");
+
+    // A folder in the file's place.
+    std::filesystem::create_directory(std::filesystem::path(this->file));
+    EXPECT_FALSE(this->ini->WriteString(this->file, "toval", "k", "v"));
+    EXPECT_EQ(this->Read("toval", "k"), "DEF");
+    EXPECT_TRUE(std::filesystem::is_directory(std::filesystem::path(this->file)));
 }
 
 REGISTER_TYPED_TEST_SUITE_P(IniFileContract, MissingFileSectionOrKeyGivesTheDefault,
