@@ -99,7 +99,8 @@ class iEditorView {
 
     // pb_Main must be drawn again whole (the lyric or its layout changed).
     virtual void Redraw() = 0;
-    // One line (word kUnset) or one word drawn plain or highlighted.
+    // One line (word kUnset) or one word drawn plain or highlighted. After
+    // the lyric changed an index may be out of range: nothing is drawn then.
     virtual void RedrawElement(int32_t line, int32_t word, bool highlighted) = 0;
 
     virtual cWindowRect WindowRect() = 0;
