@@ -158,25 +158,30 @@ TEST(Scenario, TheTrackChangesWhileItsLyricIsLoading) {
     EXPECT_EQ(w.display.Take(), (Texts{"Clear"}));
     EXPECT_FALSE(w.core->LyricActive());
 
+    // The lookup restarts for the new track on the next tick.
+    w.At(5);
+    EXPECT_EQ(fake->loads, (std::vector<int32_t>{1, 2}));
+
     // A track announced while the answer is being taken in (the controller
     // pumps messages there) makes that answer stale as well.
-    w.channel.playlistPosition = 3;
     w.shell.onDoEvents = [&] {
         w.shell.onDoEvents = nullptr;
-        w.channel.playlistPosition = 2;
-        w.channel.CopyData(FakePluginChannel::TagRecord("/b.mp3", "B", "", "Two", 1000));
+        w.channel.playlistPosition = 3;
+        w.channel.CopyData(FakePluginChannel::TagRecord("/c.mp3", "C", "", "Three", 1000));
     };
-    fake->text = u"[10]lyric of three";
-    fake->Answer(3, kLyricLocal);
+    fake->text = u"[10]lyric of two";
+    w.display.Take();
+    fake->Answer(2, kLyricLocal);
+    EXPECT_EQ(w.display.Take(), (Texts{"Clear"}));
     EXPECT_FALSE(w.core->LyricActive());
     EXPECT_TRUE(w.core->LoadPending());
 
-    fake->text = u"[10]lyric of two";
+    fake->text = u"[10]lyric of three";
     fake->answerOnLoad = kLyricFromService;
     auto [calls, painted] = w.At(5);
-    EXPECT_EQ(fake->loads, (std::vector<int32_t>{1, 2}));
+    EXPECT_EQ(fake->loads, (std::vector<int32_t>{1, 2, 3}));
     EXPECT_EQ(calls, (Texts{"Lyric", "Music"}));
-    EXPECT_EQ(painted, (Texts{"lyric of two/101/u"}));
+    EXPECT_EQ(painted, (Texts{"lyric of three/101/u"}));
     EXPECT_EQ(w.At(10).first, (Texts{"Choose 0 " + U}));
 }
 
