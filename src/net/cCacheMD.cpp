@@ -59,6 +59,9 @@ void cCacheMD::setFileAddress(const std::u16string& path) {
             std::ofstream create(file, std::ios::binary | std::ios::app);
             if (!create) throw std::runtime_error("cannot create the file");
         }
+        // Unbuffered: every access is one whole block at a fresh position, so a
+        // buffer would only add a copy and a larger read.
+        file_.rdbuf()->pubsetbuf(nullptr, 0);
         file_.open(file, std::ios::binary | std::ios::in | std::ios::out);
         if (!file_.is_open()) throw std::runtime_error("cannot open the file");
     });
