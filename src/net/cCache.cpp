@@ -11,8 +11,7 @@
 
 namespace toval {
 
-cCache::cCache(cGlobals& globals, Shell& shell, Random& random)
-    : ht_(globals, random) {
+cCache::cCache(cGlobals& globals, Shell& shell, Random& random) : ht_(globals, random) {
     folder_ = Guarded("cCache.Class_Initialize", std::u16string(), [&] {
         return getSpecialFolder(shell, kFolderLocalAppData, globals.ProgramFolder);
     });
