@@ -266,20 +266,36 @@ void cCacheMD::DelData(int32_t block, std::vector<int32_t>& freeList) {
 
         const int32_t blocks = WholeBlocks();
         const int32_t total = ReadInt32(buffer);
-        // The chain is trusted only as far as the length asks; a head whose
-        // length is impossible frees itself alone (its links may point anywhere).
-        const int64_t chain =
+        // The continuation blocks are freed only when the chain is exactly what
+        // the head's length asks for: a chain that runs longer, loops, or meets
+        // a free block may have run into another entry, whose blocks must not
+        // be handed out. Such an entry frees its head alone; the rest is lost
+        // room, never lost data.
+        const int64_t needed =
             (total < 0 || total > Capacity(blocks)) ? 1 : BlocksFor(static_cast<int64_t>(total));
-        int32_t next = ReadInt32(buffer + 4);
-        for (int64_t taken = 1; next != 0 && taken < chain; ++taken) {
-            if (next < 1 || next > blocks || !isFree.insert(next).second) break;
-            freeList.push_back(next);
+        std::vector<int32_t> chain;
+        bool whole = false;
+        for (int32_t next = ReadInt32(buffer + 4);;) {
+            const auto count = static_cast<int64_t>(chain.size()) + 1;
+            if (next == 0) {
+                whole = count == needed;
+                break;
+            }
+            if (count >= needed || next < 1 || next > blocks || isFree.count(next) ||
+                std::find(chain.begin(), chain.end(), next) != chain.end()) {
+                break;
+            }
+            chain.push_back(next);
             // A continuation's successor is followed only when the file goes on
             // past the block: the very last block of the file ends the walk.
-            if (Length() < BlockOffset(next) + kBlockSize + 1) break;
+            if (Length() < BlockOffset(next) + kBlockSize + 1) {
+                whole = count + 1 == needed;
+                break;
+            }
             if (!ReadBlock(next, buffer)) break;
             next = ReadInt32(buffer);
         }
+        if (whole) freeList.insert(freeList.end(), chain.begin(), chain.end());
     });
 }
 
