@@ -45,7 +45,9 @@ class cLyric {
     int32_t TrackLength() const { return trackLength_; }
     void setTrackLength(int32_t v) { trackLength_ = v; }
 
-    // A new random revision number in 1..2147483647 (see cLyric.cpp).
+    // A new random revision number: draw * 2147483647 + 1 rounded half to
+    // even, clamped into 1..2147483647 (the largest draws below 1 round to
+    // 2147483648, which becomes 2147483647).
     void Mutate();
     Random* RandomSource() const { return random_; }
     void setRandomSource(Random* random) { random_ = random; }

@@ -150,7 +150,10 @@ TEST(cLyric, ReadsPropertySections) {
     broken.setLoad(u"[PROPERTY]\r\nMUTATION:5\r\n[]a");
     EXPECT_EQ(broken.Mutation(), kUnset);
     ASSERT_EQ(broken.GetLineSize(), 3);
+    // "[PROPERTY]" reads as a line tag: no ":" in it, so it is the time 0.
     EXPECT_EQ(broken.GetLine(0)->Text(), u"");
+    EXPECT_EQ(broken.GetLine(0)->GetTime(0)->Time(), 0);
+    EXPECT_FALSE(broken.Simple());
     EXPECT_EQ(broken.GetLine(1)->Text(), u"MUTATION:5");
     EXPECT_EQ(broken.GetLine(1)->GetTimeSize(), 0);
     EXPECT_EQ(broken.GetLine(2)->Text(), u"a");
@@ -222,29 +225,6 @@ TEST(cLyric, LaysOutLinesAndWords) {
     EXPECT_EQ(bare.TextHeight(), 2);
     bare.Delta()->setFinal(std::make_shared<c2DPoint>(0, 7));
     EXPECT_EQ(bare.TextHeight(), 4);
-}
-
-TEST(cLyric, ToleratesHostileText) {
-    const char16_t* inputs[] = {
-        u"[PROPERTY][\\PROPERTY]",
-        u"[\\PROPERTY][PROPERTY]",
-        u"\r\n\r\n\r",
-        u"]]]]<<<>>>[[[",
-        u"[99999999999]a<99999999999>b",
-        u"[-00:01]<-00:01>\r\n[:]<:>",
-        u"[PROPERTY]\r\nMUTATION:\r\n:\r\n\r\n[\\PROPERTY]",
-    };
-    test::FakeMeasureSurface surface;
-    for (const auto* in : inputs) {
-        cLyric l;
-        l.setAuxPictureBox(&surface);
-        l.setLoad(in);
-        cLyric again;
-        again.setLoad(l.TVL());
-        EXPECT_EQ(again.TVL(), l.TVL());
-        (void)l.LRC(nullptr);
-        (void)l.TextRebuild();
-    }
 }
 
 }  // namespace
