@@ -3,6 +3,7 @@
 // delivers the plug-in's notices and tag records to the hooked handler.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <string>
