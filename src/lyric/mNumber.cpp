@@ -33,36 +33,48 @@ bool ScanNumber(std::basic_string_view<Char> text, double* out) {
         while (i < n && IsBlank(text[i]))
             ++i;
     }
-    size_t digits = 0;
-    while (i < n && IsDigit(text[i])) {
-        ascii.push_back(static_cast<char>(text[i]));
-        ++i;
+    // The power of ten of the first significant digit, kept to tell a value
+    // too large for a double from one too small when from_chars refuses both.
+    size_t digits = 0, intDigits = 0;
+    int64_t firstSignificant = -1;  // index among all mantissa digits
+    const auto mantissaDigit = [&](char c) {
+        if (c != '0' && firstSignificant < 0) firstSignificant = static_cast<int64_t>(digits);
+        ascii.push_back(c);
         ++digits;
+    };
+    while (i < n && IsDigit(text[i])) {
+        mantissaDigit(static_cast<char>(text[i]));
+        ++i;
     }
+    intDigits = digits;
     if (i < n && text[i] == '.') {
         ascii.push_back('.');
         ++i;
         while (i < n && IsDigit(text[i])) {
-            ascii.push_back(static_cast<char>(text[i]));
+            mantissaDigit(static_cast<char>(text[i]));
             ++i;
-            ++digits;
         }
     }
     if (digits == 0) return false;
+    int64_t exponent = 0;  // saturates far beyond any double's range
     if (i < n && (text[i] == 'e' || text[i] == 'E' || text[i] == 'd' || text[i] == 'D')) {
         ascii.push_back('e');
         ++i;
+        bool negative = false;
         if (i < n && (text[i] == '+' || text[i] == '-')) {
+            negative = text[i] == '-';
             ascii.push_back(static_cast<char>(text[i]));
             ++i;
         }
         size_t expDigits = 0;
         while (i < n && IsDigit(text[i])) {
             ascii.push_back(static_cast<char>(text[i]));
+            if (exponent < 1000000000) exponent = exponent * 10 + (text[i] - '0');
             ++i;
             ++expDigits;
         }
         if (expDigits == 0) return false;
+        if (negative) exponent = -exponent;
     }
     while (i < n && IsBlank(text[i]))
         ++i;
@@ -73,8 +85,8 @@ bool ScanNumber(std::basic_string_view<Char> text, double* out) {
         if (result.ec == std::errc::result_out_of_range) {
             // Too large: infinity, so that every integer conversion refuses it.
             // Too small: zero.
-            const bool huge =
-                ascii.find('e') == std::string::npos || ascii.find("e-") == std::string::npos;
+            const int64_t power = static_cast<int64_t>(intDigits) - 1 - firstSignificant + exponent;
+            const bool huge = firstSignificant >= 0 && power > 0;
             value = huge ? std::numeric_limits<double>::infinity() : 0.0;
             if (huge && ascii[0] == '-') value = -value;
         }

@@ -8,18 +8,21 @@ namespace {
 TEST(mNumber, RoundsHalvesToEven) {
     const struct {
         double in, out;
-    } cases[] = {{0.5, 0}, {1.5, 2}, {2.5, 2}, {-0.5, 0}, {-1.5, -2}, {-2.5, -2},
+    } cases[] = {{0.5, 0},    {1.5, 2},    {2.5, 2},   {-0.5, 0},  {-1.5, -2}, {-2.5, -2},
                  {2.4999, 2}, {2.5001, 3}, {50.5, 50}, {51.5, 52}, {-7.2, -7}};
-    for (const auto& c : cases) EXPECT_EQ(RoundHalfEven(c.in), c.out) << c.in;
+    for (const auto& c : cases)
+        EXPECT_EQ(RoundHalfEven(c.in), c.out) << c.in;
 }
 
 TEST(mNumber, NumericTestAcceptsSignsBlanksPointAndExponent) {
-    const char16_t* yes[] = {u"0", u"1500", u" 12 ", u"-5", u"+5", u"- 5", u"1.", u".5",
-                             u"1e3", u"1E+3", u"2.5d-1", u"\t7\t"};
-    const char16_t* no[] = {u"", u" ", u"+", u"-", u".", u"1e", u"e3", u"0x10", u"1,5",
-                            u"01:02", u"abc", u"1 2", u"--1", u"1.2.3"};
-    for (auto* t : yes) EXPECT_TRUE(IsNumeric(std::u16string_view(t))) << "yes";
-    for (auto* t : no) EXPECT_FALSE(IsNumeric(std::u16string_view(t))) << "no";
+    const char16_t* yes[] = {u"0",  u"1500", u" 12 ", u"-5",   u"+5",     u"- 5",
+                             u"1.", u".5",   u"1e3",  u"1E+3", u"2.5d-1", u"\t7\t"};
+    const char16_t* no[] = {u"",     u" ",   u"+",     u"-",   u".",   u"1e",  u"e3",
+                            u"0x10", u"1,5", u"01:02", u"abc", u"1 2", u"--1", u"1.2.3"};
+    for (auto* t : yes)
+        EXPECT_TRUE(IsNumeric(std::u16string_view(t))) << "yes";
+    for (auto* t : no)
+        EXPECT_FALSE(IsNumeric(std::u16string_view(t))) << "no";
 }
 
 TEST(mNumber, IntegerConversionsRoundAndRefuseOverflow) {
@@ -35,6 +38,14 @@ TEST(mNumber, IntegerConversionsRoundAndRefuseOverflow) {
     EXPECT_TRUE(TextToInt32(u"2.5", i32));
     EXPECT_EQ(i32, 2);
     EXPECT_TRUE(TextToInt32(u"1e-400", i32));
+    EXPECT_EQ(i32, 0);
+    // Beyond a double's range the size decides, not whether the exponent is negative.
+    const std::u16string zeros(400, u'0');
+    EXPECT_TRUE(TextToInt32(u"-0." + zeros + u"7", i32));
+    EXPECT_EQ(i32, 0);
+    EXPECT_FALSE(TextToInt32(u"1" + zeros + u"e-10", i32));
+    EXPECT_FALSE(TextToInt32(u"-1" + zeros, i32));
+    EXPECT_TRUE(TextToInt32(u"0.000" + zeros + u"e+400", i32));
     EXPECT_EQ(i32, 0);
 
     int16_t i16 = 0;
