@@ -179,12 +179,5 @@ TEST_F(cCacheHTFile, AWriteStoppedBeforeTheTableLeavesTheFileAlone) {
     EXPECT_EQ(Slurp(File()), before);
 }
 
-TEST_F(cCacheHTFile, AFolderThatCannotHoldTheFileGivesAnEmptyClosedTable) {
-    ht.setFileAddress(dir.file(u"missing/cache.id"));
-    EXPECT_FALSE(ht.IsOpen());
-    EXPECT_FALSE(ht.SetNewAddress(1, 1));
-    EXPECT_FALSE(ht.SaveHashTable());
-}
-
 }  // namespace
 }  // namespace toval::test

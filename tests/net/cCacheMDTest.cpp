@@ -239,18 +239,5 @@ TEST_F(cCacheMDFile, TheLastBlockOfTheFileEndsTheFreeingWalk) {
     EXPECT_EQ(freeList, (std::vector<int32_t>{1, 2, 3}));
 }
 
-TEST(cCacheMD, AClosedFileAnswersNeutrally) {
-    cCacheMD md;
-    std::vector<int32_t> freeList{1};
-    EXPECT_FALSE(md.IsOpen());
-    EXPECT_EQ(md.SetData(freeList, "k", "text"), kUnset);
-    EXPECT_EQ(freeList, std::vector<int32_t>{1});
-    EXPECT_EQ(md.GetData(1), "");
-    EXPECT_FALSE(md.IsFile(1, "k"));
-    md.DelData(1, freeList);
-    EXPECT_EQ(freeList, std::vector<int32_t>{1});
-    EXPECT_EQ(md.FileLength(), 0);
-}
-
 }  // namespace
 }  // namespace toval::test
