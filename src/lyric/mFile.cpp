@@ -36,7 +36,12 @@ std::string ReadFile(const std::u16string& path, int32_t start, int32_t length) 
     return Guarded("mFile.ReadFile", std::string(), [&] {
         std::string data;
         if (start < 1 || path.empty()) return data;
-        std::ifstream in(fs::path(path), std::ios::binary);
+        // Only a plain file: a folder would report a huge size, and a pipe or a
+        // device would block the open or never end.
+        const fs::path file(path);
+        std::error_code error;
+        if (!fs::is_regular_file(file, error)) return data;
+        std::ifstream in(file, std::ios::binary);
         if (!in) return data;
         in.seekg(0, std::ios::end);
         const std::streamoff size = in.tellg();
@@ -63,10 +68,13 @@ bool SaveFile(const std::u16string& path, const std::string& data, int32_t start
         const fs::path file(path);
         if (killFirst) FileKillDirect(path);
         std::error_code error;
-        if (!fs::exists(file, error)) {
-            std::ofstream create(file,
-                                 std::ios::binary);  // the file must exist to open it in place
+        const fs::file_status status = fs::status(file, error);
+        if (!fs::exists(status)) {
+            // The file must exist to be opened in place.
+            std::ofstream create(file, std::ios::binary);
             if (!create) return false;
+        } else if (!fs::is_regular_file(status)) {
+            return false;  // a folder, a pipe or a device is not written as a file
         }
         std::fstream out(file, std::ios::binary | std::ios::in | std::ios::out);
         if (!out) return false;
