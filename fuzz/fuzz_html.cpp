@@ -41,7 +41,7 @@ std::u16string ByPasses(std::u16string text) {
                 size_t j = i + 1;
                 while (j < text.size() && ReferenceChar(text[j]))
                     ++j;
-                if (j < text.size() && text[j] == u';' && j - i <= 32) {
+                if (j < text.size() && text[j] == u';') {
                     const std::u16string reference = text.substr(i, j - i + 1);
                     const std::u16string replaced = strings.htmlTOtext(reference);
                     if (replaced != reference) {

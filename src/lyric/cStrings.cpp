@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "config/cErrorLog.h"
+#include "lyric/mNumber.h"
 
 namespace toval {
 
@@ -74,9 +75,8 @@ const std::vector<Entity>& EntityTable() {
     return table;
 }
 
-// The longest reference looked at, "&" to ";" included. Names are at most six
-// letters; a numeric reference may carry leading zeros.
-constexpr size_t kMaxReference = 32;
+// The longest name in the table.
+constexpr size_t kMaxName = 6;
 
 bool IsDigit(char16_t c) {
     return c >= u'0' && c <= u'9';
@@ -85,35 +85,32 @@ bool IsNameChar(char16_t c) {
     return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || IsDigit(c);
 }
 
-// When `out` ends with a complete reference "&...;", its replacement text.
+// When `out` ends with a complete reference "&name;" or "&#digits;", where it
+// starts and its replacement text. A numeric reference may be of any length
+// (leading zeros); its value must fit a 16-bit character.
 bool ReferenceAtEnd(const std::u16string& out, size_t& start, std::u16string_view& text,
                     char16_t& single) {
     const size_t end = out.size() - 1;  // the ";"
-    size_t amp = end;
-    const size_t stop = end >= kMaxReference ? end - kMaxReference : 0;
-    while (amp > stop) {
-        --amp;
-        const char16_t c = out[amp];
-        if (c == u'&') break;
-        if (!IsNameChar(c) && c != u'#') return false;
-    }
-    if (out[amp] != u'&' || end - amp < 2) return false;
-    start = amp;
-    if (out[amp + 1] == u'#') {
-        if (end - amp < 3) return false;
-        uint32_t value = 0;
-        for (size_t i = amp + 2; i < end; ++i) {
-            if (!IsDigit(out[i])) return false;
-            value = value * 10 + static_cast<uint32_t>(out[i] - u'0');
-            if (value > 0xFFFF) return false;  // a 16-bit text holds nothing larger
-        }
+    size_t first = end;                 // the first digit of a trailing run
+    while (first > 0 && IsDigit(out[first - 1]))
+        --first;
+    if (first < end && first >= 2 && out[first - 1] == u'#' && out[first - 2] == u'&') {
+        int32_t value = 0;
+        const std::u16string_view digits(out.data() + first, end - first);
+        if (!TextToInt32(digits, value) || value > 0xFFFF) return false;
+        start = first - 2;
         single = static_cast<char16_t>(value);
         text = std::u16string_view(&single, 1);
         return true;
     }
-    const std::u16string_view name(out.data() + amp + 1, end - amp - 1);
+    size_t amp = end;
+    while (amp > 0 && end - amp <= kMaxName && IsNameChar(out[amp - 1]))
+        --amp;
+    if (amp == 0 || amp == end || out[amp - 1] != u'&') return false;
+    const std::u16string_view name(out.data() + amp, end - amp);
     for (const Entity& entity : EntityTable()) {
         if (entity.name == name) {
+            start = amp - 1;
             text = entity.text;
             return true;
         }

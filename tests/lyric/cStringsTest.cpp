@@ -148,6 +148,7 @@ TEST(cStrings, HtmlTagsAndReferencesBecomeText) {
         {u"&AMP;&Amp;&nbsp;&foo;& amp;&amp", u"&AMP;&Amp;&nbsp;&foo;& amp;&amp"},
         // Numeric references: decimal, up to 65535.
         {u"&#233;&#0065;&#65535;", u"\u00E9A\uFFFF"},
+        {u"&#" + std::u16string(40, u'0') + u"65;", u"A"},  // leading zeros of any length
         {u"&#65536;&#;&#x41;&#-1;", u"&#65536;&#;&#x41;&#-1;"},
         // Again and again until nothing is left.
         {u"&amp;lt;", u"<"},
