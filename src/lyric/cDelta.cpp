@@ -41,15 +41,19 @@ void cDelta::setFinal(std::shared_ptr<c2DPoint> point) {
 
 std::shared_ptr<c2DPoint> cDelta::Diff() {
     if (stale_) {
-        // A missing end or a span too wide for 32 bits keeps the previous
-        // size (and the span stays stale).
+        // X first, then Y. A missing end, or a span too wide for 32 bits,
+        // stops there: what is not recomputed keeps its previous value and
+        // the span stays stale.
         int32_t x = 0, y = 0;
-        if (!initial_ || !final_ || !Span(initial_->X(), final_->X(), x) ||
-            !Span(initial_->Y(), final_->Y(), y)) {
+        if (!initial_ || !final_ || !Span(initial_->X(), final_->X(), x)) {
             ErrorTrail({"cDelta.Diff [Get]", "span out of range"});
             return diff_;
         }
         diff_->setX(x);
+        if (!Span(initial_->Y(), final_->Y(), y)) {
+            ErrorTrail({"cDelta.Diff [Get]", "span out of range"});
+            return diff_;
+        }
         diff_->setY(y);
         stale_ = false;
     }

@@ -139,12 +139,18 @@ TEST(cDelta, DiffIsTheAbsoluteSpanOfSetCoordinates) {
     EXPECT_EQ(d.Diff()->X(), 70);
     EXPECT_EQ(d.Diff()->Y(), 20);
 
-    // A span too wide for 32 bits keeps the previous size.
+    // A span too wide for 32 bits keeps the previous size from there on:
+    // X is recomputed before Y.
     d.setInitial(std::make_shared<c2DPoint>(-INT32_MAX, 0));
     d.setFinal(std::make_shared<c2DPoint>(INT32_MAX, 0));
     EXPECT_EQ(d.Diff()->X(), 70);
-    d.setInitial(nullptr);
     EXPECT_EQ(d.Diff()->Y(), 20);
+    d.setInitial(std::make_shared<c2DPoint>(1, -INT32_MAX));
+    d.setFinal(std::make_shared<c2DPoint>(4, INT32_MAX));
+    EXPECT_EQ(d.Diff()->X(), 3);
+    EXPECT_EQ(d.Diff()->Y(), 20);
+    d.setInitial(nullptr);
+    EXPECT_EQ(d.Diff()->X(), 3);
 }
 
 }  // namespace
