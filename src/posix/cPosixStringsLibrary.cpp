@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <utility>
 
 namespace toval {
@@ -37,16 +38,14 @@ class cOpenLibrary : public StringsLibrary {
         char* buffer = nullptr;
         size_t size = 0;
         const int32_t status = call_(static_cast<int32_t>(function), &args, &buffer, &size);
-        if (status != 0 || (!buffer && size != 0)) {
-            if (buffer) free_(buffer);
-            return false;
-        }
-        if (buffer) {
+        // The library's buffer goes back to it on every way out, also when
+        // copying it runs out of memory.
+        const std::unique_ptr<char, FreeFunction> owned(buffer, free_);
+        if (status != 0 || (!buffer && size != 0)) return false;
+        if (buffer)
             result.assign(buffer, size);
-            free_(buffer);
-        } else {
+        else
             result.clear();
-        }
         return true;
     }
 
