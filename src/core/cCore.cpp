@@ -178,11 +178,9 @@ void cCore::clf_Lyric_Loaded(int32_t requestId, int32_t status) {
             return;
         }
         TimerOn(false);
-        const bool pendingBefore = loadPending_;
         shell_.DoEvents();
-        // The messages just run may have closed the link or announced another
-        // track (whose lookup is now pending): this result is stale then.
-        if (!plugin_ || (loadPending_ && !pendingBefore)) return;
+        // The messages just run may have ended the program and released the link.
+        if (!plugin_) return;
 
         auto lyric = std::make_shared<cLyric>(&random_);
         lyric->setAuxPictureBox(auxPictureBox_);

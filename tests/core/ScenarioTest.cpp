@@ -163,7 +163,8 @@ TEST(Scenario, TheTrackChangesWhileItsLyricIsLoading) {
     EXPECT_EQ(fake->loads, (std::vector<int32_t>{1, 2}));
 
     // A track announced while the answer is being taken in (the controller
-    // pumps messages there) makes that answer stale as well.
+    // pumps messages there): the answer is still shown, and the new track's
+    // lookup waits until the service's answer for the old track is dropped.
     w.shell.onDoEvents = [&] {
         w.shell.onDoEvents = nullptr;
         w.channel.playlistPosition = 3;
@@ -172,9 +173,15 @@ TEST(Scenario, TheTrackChangesWhileItsLyricIsLoading) {
     fake->text = u"[10]lyric of two";
     w.display.Take();
     fake->Answer(2, kLyricLocal);
-    EXPECT_EQ(w.display.Take(), (Texts{"Clear"}));
-    EXPECT_FALSE(w.core->LyricActive());
+    EXPECT_EQ(w.display.Take(), (Texts{"Clear", "Lyric", "Music"}));
+    EXPECT_TRUE(w.core->LyricActive());
     EXPECT_TRUE(w.core->LoadPending());
+    ASSERT_EQ(fake->loadFroms.size(), 1u);
+    EXPECT_EQ(fake->loadFroms[0].requestId, 2);
+    w.At(5);
+    EXPECT_EQ(fake->loads, (std::vector<int32_t>{1, 2}));
+    fake->Answer(2, kLyricFromService);
+    EXPECT_FALSE(w.core->LyricActive());
 
     fake->text = u"[10]lyric of three";
     fake->answerOnLoad = kLyricFromService;
