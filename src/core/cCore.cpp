@@ -8,6 +8,7 @@
 #include "core/cPlugin.h"
 #include "display/cDisplay.h"
 #include "lyric/cLyric.h"
+#include "lyric/mNumber.h"
 #include "platform/Random.h"
 #include "platform/Shell.h"
 #include "platform/Timer.h"
@@ -199,11 +200,14 @@ void cCore::clf_Lyric_Loaded(int32_t requestId, int32_t status) {
         };
         stream_->Load(lyric);
 
-        // Fit a lyric timed on a longer recording of the track; only the
-        // millisecond unit is precise enough for that.
-        if (lyric->TrackLength() != kUnset && music && music->MiliDuration() != kUnset &&
-            plugin_->MiliTrackLength())
-            stream_->TimeMix(lyric->TrackLength(), music->MiliDuration());
+        // Fit a lyric timed on a longer recording of the track. A plug-in that
+        // counts in seconds gives the length to the second only.
+        if (lyric->TrackLength() != kUnset && music && music->MiliDuration() != kUnset) {
+            const int32_t trackLength = plugin_->MiliTrackLength()
+                                            ? music->MiliDuration()
+                                            : WrapMul(music->Duration(), 1000);
+            stream_->TimeMix(lyric->TrackLength(), trackLength);
+        }
 
         lyricActive_ = true;
         TimerOn(true);
