@@ -27,12 +27,6 @@ void Ignoring(F&& step) noexcept {
     }
 }
 
-std::u16string Trimmed(const std::u16string& text) {
-    const size_t first = text.find_first_not_of(u' ');
-    if (first == std::u16string::npos) return {};
-    return text.substr(first, text.find_last_not_of(u' ') - first + 1);
-}
-
 std::u16string UpperAscii(std::u16string text) {
     for (char16_t& c : text)
         if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - u'a' + u'A');
@@ -93,7 +87,7 @@ bool cMainLogic::Form_Load(const std::u16string& commandLine) {
     config_->Load(false);
 
     int32_t handle = 0;
-    const std::u16string command = Trimmed(commandLine);
+    const std::u16string& command = commandLine;
     if (!command.empty()) {
         if (IsNumeric(command)) {
             if (!TextToInt32(command, handle)) handle = 0;

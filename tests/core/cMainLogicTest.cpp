@@ -87,6 +87,7 @@ TEST(cMainLogic, CommandLineDecidesHowOftenThePluginIsSought) {
     const Case cases[] = {
         {u"", 1, true},         {u"hello", 1, true},    {u"INSTALL", 7, false},
         {u"install", 7, false}, {u"InStAlL", 7, false}, {u"INSTALLED", 1, true},
+        {u" install", 1, true}, {u"0", 1, true},  // handle 0 is no window: sought once
     };
     for (const Case& c : cases) {
         Program p;
