@@ -165,15 +165,5 @@ TEST(cDisplay, ClickOpensTheLinkOfALyricThatHasOne) {
     EXPECT_EQ(opened, d.shell.links);
 }
 
-TEST(cDisplay, ModeChangesAreAnnounced) {
-    Display d;
-    std::vector<int32_t> modes;
-    d.display.onWindowChanged = [&](int32_t mode) { modes.push_back(mode); };
-    d.display.setWindow(kModeTray);
-    d.display.setWindow(kModeWindow);
-    EXPECT_EQ(d.display.Window(), kModeWindow);
-    EXPECT_EQ(modes, (std::vector<int32_t>{1, 2}));
-}
-
 }  // namespace
 }  // namespace toval::test
