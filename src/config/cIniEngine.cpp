@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <fstream>
 #include <system_error>
-#include <vector>
 
 #include "config/cErrorLog.h"
 
@@ -45,58 +44,72 @@ struct Line {
     enum Kind { kOther, kSection, kKey } kind = kOther;
     size_t begin = 0;        // offset of the line in the content
     size_t end = 0;          // offset just past its line break (or the end of the content)
+    bool blank = true;       // nothing but blanks
     std::string_view name;   // section or key name, trimmed
     std::string_view value;  // value of a key, trimmed
 };
 
-std::vector<Line> Split(std::string_view content) {
-    std::vector<Line> lines;
-    size_t pos = 0;
-    while (pos < content.size()) {
-        size_t next = content.find('\n', pos);
-        next = next == std::string_view::npos ? content.size() : next + 1;
-        Line line;
-        line.begin = pos;
-        line.end = next;
-        const std::string_view text = Trim(content.substr(pos, next - pos));
-        const size_t close = text.find(']');
-        const size_t eq = text.find('=');
-        if (!text.empty() && text.front() == '[' && close != std::string_view::npos) {
-            line.kind = Line::kSection;
-            line.name = Trim(text.substr(1, close - 1));
-        } else if (!text.empty() && text.front() != ';' && eq != std::string_view::npos) {
-            // Lines without "=" (and "[" lines without "]") hold no key.
-            line.kind = Line::kKey;
-            line.name = Trim(text.substr(0, eq));
-            line.value = Trim(text.substr(eq + 1));
-        }
-        lines.push_back(line);
-        pos = next;
+// The line that starts at pos (pos < content.size()).
+Line LineAt(std::string_view content, size_t pos) {
+    size_t next = content.find('\n', pos);
+    next = next == std::string_view::npos ? content.size() : next + 1;
+    Line line;
+    line.begin = pos;
+    line.end = next;
+    const std::string_view text = Trim(content.substr(pos, next - pos));
+    line.blank = text.empty();
+    if (text.empty()) return line;
+    const size_t close = text.find(']');
+    if (text.front() == '[' && close != std::string_view::npos) {
+        line.kind = Line::kSection;
+        line.name = Trim(text.substr(1, close - 1));
+        return line;
     }
-    return lines;
+    // Lines without "=" (and "[" lines without "]") hold no key.
+    const size_t eq = text.find('=');
+    if (text.front() != ';' && eq != std::string_view::npos) {
+        line.kind = Line::kKey;
+        line.name = Trim(text.substr(0, eq));
+        line.value = Trim(text.substr(eq + 1));
+    }
+    return line;
 }
 
-// The index of the first key line named key in the first section named
-// section, or -1; a later section of the same name is not looked at.
-// sectionLine receives that section's line (or -1).
-ptrdiff_t FindKey(const std::vector<Line>& lines, std::string_view section, std::string_view key,
-                  ptrdiff_t& sectionLine) {
-    sectionLine = -1;
-    for (size_t i = 0; i < lines.size(); ++i) {
-        const Line& line = lines[i];
+// Where key stands in the first section named section; a later section of the
+// same name is not looked at. The file is scanned line by line, so a file of
+// any size costs no more memory than its content.
+struct Place {
+    bool section = false;  // the section is there
+    bool key = false;      // and holds the key: keyLine
+    Line keyLine;
+    size_t sectionEnd = 0;  // just past the section's last line that is not blank
+};
+
+Place Find(std::string_view content, std::string_view section, std::string_view key) {
+    Place place;
+    size_t pos = 0;
+    while (pos < content.size()) {
+        const Line line = LineAt(content, pos);
+        pos = line.end;
         if (line.kind == Line::kSection && SameName(line.name, section)) {
-            sectionLine = static_cast<ptrdiff_t>(i);
+            place.section = true;
+            place.sectionEnd = line.end;
             break;
         }
     }
-    if (sectionLine < 0) return -1;
-    for (size_t i = static_cast<size_t>(sectionLine) + 1;
-         i < lines.size() && lines[i].kind != Line::kSection; ++i) {
-        if (lines[i].kind == Line::kKey && SameName(lines[i].name, key)) {
-            return static_cast<ptrdiff_t>(i);
+    if (!place.section) return place;
+    while (pos < content.size()) {
+        const Line line = LineAt(content, pos);
+        pos = line.end;
+        if (line.kind == Line::kSection) break;
+        if (line.kind == Line::kKey && SameName(line.name, key)) {
+            place.key = true;
+            place.keyLine = line;
+            break;
         }
+        if (!line.blank) place.sectionEnd = line.end;
     }
-    return -1;
+    return place;
 }
 
 std::string Cut(std::string_view text, size_t bufferSize) {
@@ -122,17 +135,15 @@ std::string ReadWholeFile(const std::filesystem::path& path, bool& found) {
 
 std::string cIniEngine::Lookup(std::string_view content, std::string_view section,
                                std::string_view key, const std::string& def, size_t bufferSize) {
-    const std::vector<Line> lines = Split(content);
-    ptrdiff_t sectionLine = -1;
-    const ptrdiff_t at = FindKey(lines, Trim(CString(section)), Trim(CString(key)), sectionLine);
-    if (at < 0) {
+    const Place place = Find(content, Trim(CString(section)), Trim(CString(key)));
+    if (!place.key) {
         // Like the system call, the default loses its trailing blanks.
         std::string_view d = CString(def);
         while (!d.empty() && d.back() == ' ')
             d.remove_suffix(1);
         return Cut(d, bufferSize);
     }
-    std::string_view value = lines[static_cast<size_t>(at)].value;
+    std::string_view value = place.keyLine.value;
     if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
         value.back() == value.front()) {
         value = value.substr(1, value.size() - 2);
@@ -151,14 +162,12 @@ std::string cIniEngine::Update(std::string_view content, std::string_view sectio
     entry.reserve(key.size() + value.size() + 3);
     entry.append(key).append("=").append(value).append("\r\n");
 
-    const std::vector<Line> lines = Split(content);
-    ptrdiff_t sectionLine = -1;
-    const ptrdiff_t at = FindKey(lines, section, key, sectionLine);
+    const Place place = Find(content, section, key);
     std::string out;
     out.reserve(content.size() + entry.size() + section.size() + 8);
-    if (at >= 0) {
+    if (place.key) {
         // The line keeps the key's spelling as the file has it.
-        const Line& line = lines[static_cast<size_t>(at)];
+        const Line& line = place.keyLine;
         out.append(content.substr(0, line.begin))
             .append(line.name)
             .append("=")
@@ -167,18 +176,11 @@ std::string cIniEngine::Update(std::string_view content, std::string_view sectio
             .append(content.substr(line.end));
         return out;
     }
-    if (sectionLine >= 0) {
+    if (place.section) {
         // A new key goes behind the last line of the section that is not blank.
-        size_t last = static_cast<size_t>(sectionLine);
-        for (size_t i = last + 1; i < lines.size() && lines[i].kind != Line::kSection; ++i) {
-            if (!Trim(content.substr(lines[i].begin, lines[i].end - lines[i].begin)).empty()) {
-                last = i;
-            }
-        }
-        const size_t insert = lines[last].end;
-        out.append(content.substr(0, insert));
+        out.append(content.substr(0, place.sectionEnd));
         if (!out.empty() && out.back() != '\n') out.append("\r\n");
-        out.append(entry).append(content.substr(insert));
+        out.append(entry).append(content.substr(place.sectionEnd));
         return out;
     }
     out.append(content);
@@ -190,7 +192,9 @@ std::string cIniEngine::Update(std::string_view content, std::string_view sectio
 std::string cIniEngine::ReadString(const std::u16string& file, const std::string& section,
                                    const std::string& key, const std::string& def,
                                    size_t bufferSize) {
-    return Guarded("cIniEngine.ReadString", std::string(), [&] {
+    // A read that fails (the file too large to hold, say) gives the default,
+    // as a missing file does.
+    return Guarded("cIniEngine.ReadString", Lookup({}, section, key, def, bufferSize), [&] {
         bool found = false;
         const std::string content = ReadWholeFile(std::filesystem::path(file), found);
         return Lookup(content, section, key, def, bufferSize);
