@@ -267,7 +267,9 @@ void cConfig::setEditModeSplash(bool value) {
 int32_t cConfig::lastUpdateVersion() {
     return Guarded("cConfig.lastUpdateVersion [Get]", int32_t{0}, [&] {
         int32_t version = 0;
-        TextToInt32(ini_.ReadIni(u"version_LastShow", u"0"), version);
+        if (!TextToInt32(ini_.ReadIni(u"version_LastShow", u"0"), version)) {
+            ErrorTrail({"cConfig.lastUpdateVersion [Get]", "version_LastShow is not a number"});
+        }
         return version;
     });
 }
