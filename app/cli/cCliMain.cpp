@@ -98,7 +98,8 @@ const char* cCliMain::Usage() {
            "  --artist TEXT  --title TEXT  --album TEXT  --duration SECONDS\n"
            "Service:\n"
            "  --server HOST[:PORT]  the lyric service; lookup asks it only when given\n"
-           "  --timeout MS          give up after MS of silence (default 10000)\n"
+           "  --timeout MS          give up after MS of silence (default 10000), or\n"
+           "                        after six times that for an answer that never begins\n"
            "Lookup:\n"
            "  --cache DIR           the lyric cache folder (default ~/.cache/toval)\n"
            "  --save-beside         keep a lyric from the service as a .tvl file beside\n"
@@ -260,8 +261,10 @@ int cCliMain::Lookup(const cCliArgs& a) {
         lookup.setTime(timer);
         timer->setInterval(a.timeout);
         lookup.Load(request);
-        // The client's own time-out ends a silent service; the limit here is
-        // only a backstop for a service that trickles bytes for ever.
+        // The client's own time-out ends a service that falls silent while
+        // connecting or within an answer; the limit here is the backstop for
+        // one that takes the request and never answers, or trickles bytes
+        // for ever.
         if (status == kLyricWaiting) {
             loop.RunUntil([&] { return serviceResult >= 0; }, a.timeout * 6 + 1000);
         }

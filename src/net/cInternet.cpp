@@ -198,13 +198,13 @@ void cInternet::ws_Sock_DataArrival(int32_t /*bytesTotal*/) {
     }
 }
 
-void cInternet::ws_Sock_SendProgress(int32_t /*bytesSent*/, int32_t /*bytesRemaining*/) {
+void cInternet::ws_Sock_SendProgress(int32_t /*bytesSent*/, int32_t bytesRemaining) {
     if (!busy_) return;
-    // The period restarts with every step, also after the last one: the wait
-    // for the answer is timed as well, or a server that takes the request and
-    // never answers would hold it for good.
+    // The period restarts with every step of the sending. Once the request is
+    // all out, the timer rests until the first piece of the answer: the wait
+    // for the server's reply is not timed, only the silence within an answer.
     TimerOff();
-    TimerOn();
+    if (bytesRemaining > 0) TimerOn();
 }
 
 void cInternet::ws_Sock_Close() {

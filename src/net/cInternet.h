@@ -19,8 +19,10 @@
 
 namespace toval {
 
-// Silence on the wire for this long ends a request as a failure. setTime gives
-// the timer this interval.
+// Silence on the wire for this long, while connecting, sending or within an
+// answer, ends a request as a failure; the wait between the last byte of the
+// request and the first of the answer is not timed. setTime gives the timer
+// this interval.
 inline constexpr int32_t kInternetTimeout = 10000;
 // An answer larger than this (headers included) ends the request as a failure.
 inline constexpr size_t kInternetMaxAnswer = 4u * 1024u * 1024u;

@@ -269,9 +269,9 @@ TEST_F(InternetTest, TimerGuardsEveryStepAndItsTickFails) {
     EXPECT_TRUE(timer->enabled);
     socket->progress(10, 5);
     EXPECT_TRUE(timer->enabled);
-    // After the last byte the wait for the answer is timed as well.
+    // After the last byte the timer rests until the answer begins.
     socket->progress(5, 0);
-    EXPECT_TRUE(timer->enabled);
+    EXPECT_FALSE(timer->enabled);
     const int before = timer->enableChanges;
     socket->answer("HTTP/1.0 200 OK\r\n");
     EXPECT_TRUE(timer->enabled);
