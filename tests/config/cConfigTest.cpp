@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,15 @@
 
 namespace toval::test {
 namespace {
+
+// Key names written as one text, separated by blanks.
+std::vector<std::string> Names(const std::string& text) {
+    std::vector<std::string> names;
+    std::istringstream in(text);
+    for (std::string name; in >> name;)
+        names.push_back(name);
+    return names;
+}
 
 // The real engine, with a record of the keys asked for and written.
 struct RecordingIni : cIniEngine {
@@ -114,50 +124,16 @@ TEST_F(cConfigTest, AMissingFileLoadsEveryDefaultWithTheWindowsCentred) {
 TEST_F(cConfigTest, KeysAreReadInTheirOrderWithTheCacheLast) {
     cConfig config(globals, shell, ini);
     config.Load(false);
-    const std::vector<std::string> order = {
-        "language_name",
-        "conn_Server",
-        "proxy_Host",
-        "proxy_Port",
-        "proxy_Enabled",
-        "font_Bold",
-        "font_UnderlineTitle",
-        "font_Italic",
-        "font_Name",
-        "font_Size",
-        "font_Strikethru",
-        "font_Underline",
-        "text_alignment",
-        "color_Backround",
-        "color_BackText",
-        "color_NormalText",
-        "color_HighlighText",
-        "tray_Border",
-        "tray_Refresh",
-        "tray_FastRefresh",
-        "tray_MaxTraySize",
-        "effect_Alpha",
-        "effect_AlwaysOnTop",
-        "timer_PictureRefresh",
-        "timer_TrackPosRefresh",
-        "timer_PlayerStateRefresh",
-        "pos_WinTop",
-        "pos_WinLeft",
-        "size_WinWidth",
-        "size_WinHeight",
-        "pos_EditWinTop",
-        "pos_EditWinLeft",
-        "size_EditWinWidth",
-        "size_EditWinHeight",
-        "edt_AutoImplode",
-        "ply_Attach",
-        "plugin_AutoStart",
-        "window_mode",
-        "version_LastShow",
-        "editmode_splash",
-        "cache_size",
-        "cache_simple",
-    };
+    const std::vector<std::string> order = Names(
+        "language_name conn_Server proxy_Host proxy_Port proxy_Enabled font_Bold "
+        "font_UnderlineTitle font_Italic font_Name font_Size font_Strikethru font_Underline "
+        "text_alignment color_Backround color_BackText color_NormalText color_HighlighText "
+        "tray_Border tray_Refresh tray_FastRefresh tray_MaxTraySize effect_Alpha "
+        "effect_AlwaysOnTop timer_PictureRefresh timer_TrackPosRefresh "
+        "timer_PlayerStateRefresh pos_WinTop pos_WinLeft size_WinWidth size_WinHeight "
+        "pos_EditWinTop pos_EditWinLeft size_EditWinWidth size_EditWinHeight edt_AutoImplode "
+        "ply_Attach plugin_AutoStart window_mode version_LastShow editmode_splash cache_size "
+        "cache_simple");
     // language_name, then the language's direction from the language file.
     ASSERT_GE(ini.reads.size(), 2u);
     EXPECT_EQ(ini.reads[1], "alignment");
@@ -288,42 +264,21 @@ TEST_F(cConfigTest, SaveWritesOneGroupInItsOrder) {
     cConfig config(globals, shell, ini);
     config.Load(false);
     config.Save(true);
-    EXPECT_EQ(ini.writes,
-              (std::vector<std::string>{
-                  "pos_WinTop", "pos_WinLeft", "size_WinWidth", "size_WinHeight", "pos_EditWinTop",
-                  "pos_EditWinLeft", "size_EditWinWidth", "size_EditWinHeight", "edt_AutoImplode",
-                  "window_mode", "effect_AlwaysOnTop", "ply_Attach"}));
+    EXPECT_EQ(ini.writes, Names("pos_WinTop pos_WinLeft size_WinWidth size_WinHeight "
+                                "pos_EditWinTop pos_EditWinLeft size_EditWinWidth "
+                                "size_EditWinHeight edt_AutoImplode window_mode "
+                                "effect_AlwaysOnTop ply_Attach"));
     ini.writes.clear();
     ini.reads.clear();
     config.Save(false);
-    EXPECT_EQ(ini.writes, (std::vector<std::string>{"conn_Server",
-                                                    "proxy_Host",
-                                                    "proxy_Port",
-                                                    "proxy_Enabled",
-                                                    "font_Bold",
-                                                    "font_UnderlineTitle",
-                                                    "font_Italic",
-                                                    "font_Name",
-                                                    "font_Size",
-                                                    "font_Strikethru",
-                                                    "font_Underline",
-                                                    "text_alignment",
-                                                    "color_Backround",
-                                                    "color_BackText",
-                                                    "color_NormalText",
-                                                    "color_HighlighText",
-                                                    "tray_Border",
-                                                    "tray_Refresh",
-                                                    "tray_FastRefresh",
-                                                    "tray_MaxTraySize",
-                                                    "effect_Alpha",
-                                                    "timer_PictureRefresh",
-                                                    "timer_TrackPosRefresh",
-                                                    "timer_PlayerStateRefresh",
-                                                    "language_name",
-                                                    "cache_size",
-                                                    "cache_simple",
-                                                    "plugin_AutoStart"}));
+    EXPECT_EQ(ini.writes, Names("conn_Server proxy_Host proxy_Port proxy_Enabled font_Bold "
+                                "font_UnderlineTitle font_Italic font_Name font_Size "
+                                "font_Strikethru font_Underline text_alignment color_Backround "
+                                "color_BackText color_NormalText color_HighlighText tray_Border "
+                                "tray_Refresh tray_FastRefresh tray_MaxTraySize effect_Alpha "
+                                "timer_PictureRefresh timer_TrackPosRefresh "
+                                "timer_PlayerStateRefresh language_name cache_size cache_simple "
+                                "plugin_AutoStart"));
     // Writing the language name loads the language again.
     EXPECT_EQ(ini.reads, std::vector<std::string>{"alignment"});
 }

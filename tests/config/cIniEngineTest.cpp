@@ -30,29 +30,13 @@ TEST(cIniEngine, NewKeysGoBehindTheLastLineOfTheirSection) {
         {"[a]\r\nk\r\n", "[a]\r\nk\r\nk=v\r\n"},
         {"[A]\r\nz=1\r\n[a]\r\n", "[A]\r\nz=1\r\nk=v\r\n[a]\r\n"},
         {"[a]\nk = old \nq=1\n", "[a]\nk=v\r\nq=1\n"},
+        // Names match in any case; every other line stays byte for byte.
+        {"; c\r\n[A]\r\nx = 1\r\nK=1\r\n\r\n[b]\nk=9\n",
+         "; c\r\n[A]\r\nx = 1\r\nK=v\r\n\r\n[b]\nk=9\n"},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(cIniEngine::Update(c.before, "a", "k", "v"), c.after) << c.before;
     }
-}
-
-TEST(cIniEngine, WritingKeepsEveryOtherLineByteForByte) {
-    const std::string before =
-        "; settings\r\n"
-        "[toval]\r\n"
-        "font_Name = Arial\r\n"
-        "window_mode=1\r\n"
-        "\r\n"
-        "[other]\n"
-        "window_mode=9\n";
-    EXPECT_EQ(cIniEngine::Update(before, "TOVAL", "WINDOW_MODE", "2"),
-              "; settings\r\n"
-              "[toval]\r\n"
-              "font_Name = Arial\r\n"
-              "window_mode=2\r\n"
-              "\r\n"
-              "[other]\n"
-              "window_mode=9\n");
 }
 
 TEST(cIniEngine, AValueCannotBreakIntoTheNextLine) {
