@@ -36,14 +36,10 @@ constexpr std::u16string_view kCrLf = u"\r\n";
 }  // namespace
 
 int32_t cEditor::Middle(int32_t low, int32_t high) {
-    const int64_t sum = static_cast<int64_t>(low) + high;
-    int64_t half = sum / 2;  // truncates toward zero
-    if (sum % 2 != 0) {
-        // Exactly .5 away from half: move to the even neighbour.
-        const int64_t other = sum > 0 ? half + 1 : half - 1;
-        if (half % 2 != 0) half = other;
-    }
-    return static_cast<int32_t>(half);
+    // Exact in double: the sum of two 32-bit values needs 33 bits.
+    int32_t mid = low;
+    ToInt32(RoundHalfEven((static_cast<double>(low) + high) / 2.0), mid);
+    return mid;
 }
 
 void cEditor::loadSepChars() {
