@@ -386,11 +386,10 @@ std::u16string cEditor::SaveText(int32_t filterIndex) const {
     return Guarded("fEdit.SaveText", std::u16string(), [&] {
         if (filterIndex == 2) return lyric_->LRC(std::make_shared<cMusic>(music_));
         if (filterIndex == 3) return lyric_->TextRebuild();
-        // The lyric's Simple flag is set when it is read; stamps made since
-        // then decide here whether the times are written.
-        const bool timed = HasTimes();
-        if (timed != lyric_->Simple()) return lyric_->TVL();
-        return lyric_->Properties() + (timed ? lyric_->Load() : lyric_->TextRebuild());
+        // The tvl document, plain text after the properties when no line and
+        // no word has a time. The lyric's Simple flag says so only as it was
+        // read; stamps and deletions made since are counted here.
+        return lyric_->Properties() + (HasTimes() ? lyric_->Load() : lyric_->TextRebuild());
     });
 }
 
