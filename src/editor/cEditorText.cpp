@@ -1,7 +1,11 @@
 // Text to lyric: the separator set, textToLyric and wordSep, and the folding
 // of repeated blocks (implodeToval).
+#include <algorithm>
 #include <array>
+#include <functional>
 #include <memory>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "config/cErrorLog.h"
@@ -255,40 +259,91 @@ void cEditor::delLinesBlock(const cLyricBlock& block) {
     });
 }
 
+namespace {
+
+// A hash of what similarity compares: the line count and, line by line, the
+// word count and the text. Similar blocks have equal signatures.
+size_t BlockSignature(const cLyric& lyric, const cLyricBlock& block) {
+    size_t h = static_cast<size_t>(static_cast<uint32_t>(block.LineCount()));
+    const std::hash<std::u16string_view> hashText;
+    for (int32_t k = block.LineCount() - 1; k >= 0; --k) {
+        const auto line = lyric.GetLine(WrapSub(block.EndLine(), k));
+        if (!line) continue;
+        h = h * 1000003u ^ static_cast<size_t>(static_cast<uint32_t>(line->GetWordSize()));
+        h = h * 1000003u ^ hashText(line->Text());
+    }
+    return h;
+}
+
+}  // namespace
+
 void cEditor::implodeToval() {
     Guarded("fEdit.implodeToval", [&] {
+        const int32_t lineCount = lyric_->GetLineSize();
+        // Lines of the copies folded away. They are all taken out at the end,
+        // together with the runs of empty lines: taking them out one by one
+        // costs a shift of every later line each time.
+        std::vector<bool> deleted(static_cast<size_t>(std::max(lineCount, 0)), false);
+        bool anyDeleted = false;
         {
-            cObjectArray<cLyricBlock> blocks = getBlocks();
-            // Latest block first: the blocks still to visit lie before the
-            // deleted lines, so their indexes stay valid.
-            for (int32_t b = blocks.Size() - 1; b >= 1; --b) {
+            const cObjectArray<cLyricBlock> blocks = getBlocks();
+            const int32_t count = blocks.Size();
+            // Candidates by signature, in ascending block order, so that only
+            // blocks that can be similar are compared (a song of thousands
+            // of different blocks would otherwise compare every pair).
+            std::vector<size_t> signature(static_cast<size_t>(std::max(count, 0)));
+            std::unordered_map<size_t, std::vector<int32_t>> candidates;
+            for (int32_t b = 0; b < count; ++b) {
+                const auto block = blocks.Element(b);
+                signature[static_cast<size_t>(b)] = block ? BlockSignature(*lyric_, *block) : 0;
+                candidates[signature[static_cast<size_t>(b)]].push_back(b);
+            }
+            // Latest block first, each folded into the nearest earlier block
+            // like it. Folding changes only times, so which blocks are alike
+            // stays as it was; and the blocks still to visit lie before the
+            // lines taken out, so their indexes stay valid.
+            for (int32_t b = count - 1; b >= 1; --b) {
+                std::vector<int32_t>& same = candidates[signature[static_cast<size_t>(b)]];
+                if (!same.empty() && same.back() == b) same.pop_back();
                 const auto later = blocks.Element(b);
-                for (int32_t a = b - 1; a >= 0; --a) {
-                    const auto earlier = blocks.Element(a);
-                    if (later && earlier && blSimilarBlocks(*later, *earlier)) {
+                if (!later) continue;
+                for (auto a = same.rbegin(); a != same.rend(); ++a) {
+                    const auto earlier = blocks.Element(*a);
+                    if (earlier && blSimilarBlocks(*later, *earlier)) {
                         implodeBlocks(*earlier, *later);
-                        delLinesBlock(*later);
-                        blocks.Remove(b);
+                        for (int32_t k = 0; k < later->LineCount(); ++k) {
+                            const int32_t l = WrapSub(later->EndLine(), k);
+                            if (l >= 0 && l < lineCount) deleted[static_cast<size_t>(l)] = true;
+                        }
+                        anyDeleted = true;
                         break;
                     }
                 }
             }
         }
-        // Runs of empty lines become one (each deleted block leaves its
-        // separating empty line behind).
-        int32_t i = 0;
+        // The lines that stay, with each run of empty lines cut to one (each
+        // copy folded away leaves its separating empty line behind).
+        std::vector<std::shared_ptr<cLyricLine>> kept;
+        kept.reserve(static_cast<size_t>(std::max(lineCount, 0)));
         bool seen = false;
-        while (i < lyric_->GetLineSize()) {
-            const auto line = lyric_->GetLine(i);
+        for (int32_t i = 0; i < lineCount; ++i) {
+            if (deleted[static_cast<size_t>(i)]) continue;
+            auto line = lyric_->GetLine(i);
             if (!line || !line->IsEmpty()) {
                 seen = false;
-                ++i;
             } else if (!seen) {
                 seen = true;
-                ++i;
             } else {
-                lyric_->RemoveLine(i);
+                anyDeleted = true;
+                continue;
             }
+            kept.push_back(std::move(line));
+        }
+        if (anyDeleted) {
+            for (int32_t i = lyric_->GetLineSize() - 1; i >= 0; --i)
+                lyric_->RemoveLine(i);
+            for (auto& line : kept)
+                if (line) lyric_->AddLine(std::move(line));
         }
         lyric_->setAuxPictureBox(aux_);
         lyric_->Resize();
