@@ -21,6 +21,13 @@ std::u16string UpperAscii(std::u16string_view text) {
     return out;
 }
 
+// A numeric property value; one too large for 32 bits is left out with a
+// trail line, the other properties are still read.
+void ReadNumber(std::u16string_view value, int32_t& out) {
+    if (!IsNumeric(value)) return;
+    if (!TextToInt32(value, out)) ErrorTrail({"cLyric.Properties [Let]", "value out of range"});
+}
+
 }  // namespace
 
 cLyric::cLyric(Random* random) : delta_(std::make_shared<cDelta>()), random_(random) {
@@ -108,11 +115,11 @@ void cLyric::setProperties(std::u16string_view section) {
             const std::u16string key = UpperAscii(piece.substr(0, colon));
             const std::u16string_view value = piece.substr(colon + 1);
             if (key == u"MUTATION") {
-                TextToInt32(value, mutation_);
+                ReadNumber(value, mutation_);
             } else if (key == u"RIGHTTOLEFT") {
                 if (value.size() == 1) rightToLeft_ = value == u"1";
             } else if (key == u"TRACKLENGTH") {
-                TextToInt32(value, trackLength_);
+                ReadNumber(value, trackLength_);
             }
         }
     });
@@ -191,6 +198,8 @@ void cLyric::setLoad(std::u16string_view s) {
 
 void cLyric::Resize() {
     Guarded("cLyric.Resize", [&] {
+        // Pending messages (a font just chosen) are handled before measuring.
+        if (aux_) aux_->DoEvents();
         const int32_t count = lines_.Size();
         if (count == 0) {
             delta_->setInitial(std::make_shared<c2DPoint>(0, 0));
@@ -199,7 +208,6 @@ void cLyric::Resize() {
         }
         // Without a surface nothing can be measured: positions stay as they are.
         if (!aux_) return;
-        aux_->DoEvents();
 
         // Vertical pass: lines touch, each as high as its measured run.
         std::vector<int32_t> widths;

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "config/cErrorLog.h"
 #include "core/cMusic.h"
+#include "fakes/FakeClock.h"
 #include "fakes/FakeMeasureSurface.h"
 #include "fakes/FakeRandom.h"
 
@@ -136,6 +138,15 @@ TEST(cLyric, ReadsPropertySections) {
         {u"\r\nMUTATION:8:9\r\n", 3, false},
         {u"", 3, false},
     };
+    // A number too large for 32 bits leaves a trail line.
+    struct Trail : cErrorLog {
+        using cErrorLog::cErrorLog;
+        void Write(const std::vector<std::string>& texts) override { lines.push_back(texts); }
+        std::vector<std::vector<std::string>> lines;
+    };
+    test::FakeClock clock;
+    Trail trail(u"", clock);
+    setErrorTrail(&trail);
     for (const auto& c : cases) {
         cLyric p;
         p.setMutation(3);
@@ -143,6 +154,9 @@ TEST(cLyric, ReadsPropertySections) {
         EXPECT_EQ(p.Mutation(), c.mutation);
         EXPECT_EQ(p.RightToLeft(), c.rightToLeft);
     }
+    setErrorTrail(nullptr);
+    ASSERT_EQ(trail.lines.size(), 1u);
+    EXPECT_EQ(trail.lines[0][0], "cLyric.Properties [Let]");
 
     // Without its end marker the section is read as lines, the start marker
     // included.
@@ -179,6 +193,10 @@ TEST(cLyric, LaysOutLinesAndWords) {
     l.setAuxPictureBox(&surface);
     l.setLoad(u"[]<1>ab<2>cd\r\n\r\n[]x");
     EXPECT_EQ(surface.doEvents, 1);
+    cLyric none;  // messages are handled before layout even without lines
+    none.setAuxPictureBox(&surface);
+    none.setLoad(u"");
+    EXPECT_EQ(surface.doEvents, 2);
     EXPECT_EQ(l.Delta()->Final()->X(), 40);
     EXPECT_EQ(l.Delta()->Final()->Y(), 48);  // an empty line is as high as any
     EXPECT_EQ(l.TextHeight(), 16);
