@@ -1,5 +1,6 @@
 #include "core/cEventStream.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "config/cErrorLog.h"
@@ -90,34 +91,53 @@ void cEventStream::Load(const std::shared_ptr<cLyric>& lyric) {
 // one in the loop gives the same result with a stack depth of O(log n).
 void cEventStream::QuickSort(int32_t low, int32_t high) {
     Guarded("cEventStream.QuickSort", [&] {
-        if (low < 0 || high >= NumEvents()) return;
-        while (high > low) {
-            int32_t i = low, j = high;
-            const int64_t sum = int64_t{low} + high;
-            int64_t mid = sum / 2;
-            if (sum % 2 != 0 && mid % 2 != 0) ++mid;  // x.5 goes to the even neighbour
-            const Event pivot = events_[static_cast<size_t>(mid)];
-            const int32_t pivotTime = pivot.time ? pivot.time->Time() : kUnset;
-            while (i <= j) {
-                while (i < high && TimeAt(static_cast<size_t>(i)) < pivotTime)
-                    ++i;
-                while (j > low && pivotTime < TimeAt(static_cast<size_t>(j)))
-                    --j;
-                if (i <= j) {
-                    std::swap(events_[static_cast<size_t>(i)], events_[static_cast<size_t>(j)]);
-                    ++i;
-                    --j;
-                }
-            }
-            if (int64_t{j} - low < int64_t{high} - i) {
-                QuickSort(low, j);
-                low = i;
-            } else {
-                QuickSort(i, high);
-                high = j;
+        if (low < 0 || high >= NumEvents() || high <= low) return;
+        int32_t depth = 32;
+        for (int64_t n = int64_t{high} - low + 1; n > 1; n /= 2)
+            depth += 4;
+        SortRange(low, high, depth);
+    });
+}
+
+// depth: partitions still allowed on the way down to any part of the range.
+// Real lyrics need about log2(n) of them; a list built to make this pivot
+// choice degrade would need n / 2 and so O(n^2) comparisons. Once the budget
+// is spent, the rest of that range is sorted stably in O(n log n) instead.
+void cEventStream::SortRange(int32_t low, int32_t high, int32_t depth) {
+    while (high > low) {
+        if (depth-- <= 0) {
+            std::stable_sort(events_.begin() + low, events_.begin() + high + 1,
+                             [](const Event& a, const Event& b) {
+                                 return (a.time ? a.time->Time() : kUnset) <
+                                        (b.time ? b.time->Time() : kUnset);
+                             });
+            return;
+        }
+        int32_t i = low, j = high;
+        const int64_t sum = int64_t{low} + high;
+        int64_t mid = sum / 2;
+        if (sum % 2 != 0 && mid % 2 != 0) ++mid;  // x.5 goes to the even neighbour
+        const Event pivot = events_[static_cast<size_t>(mid)];
+        const int32_t pivotTime = pivot.time ? pivot.time->Time() : kUnset;
+        while (i <= j) {
+            while (i < high && TimeAt(static_cast<size_t>(i)) < pivotTime)
+                ++i;
+            while (j > low && pivotTime < TimeAt(static_cast<size_t>(j)))
+                --j;
+            if (i <= j) {
+                std::swap(events_[static_cast<size_t>(i)], events_[static_cast<size_t>(j)]);
+                ++i;
+                --j;
             }
         }
-    });
+        if (int64_t{j} - low < int64_t{high} - i) {
+            SortRange(low, j, depth);
+            low = i;
+        } else {
+            SortRange(i, high, depth);
+            high = j;
+        }
+    }
 }
 
 void cEventStream::SetNextEvent() {

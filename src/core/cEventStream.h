@@ -67,6 +67,7 @@ class cEventStream {
     };
 
     int32_t TimeAt(size_t index) const;
+    void SortRange(int32_t low, int32_t high, int32_t depth);
     void SetNextEvent();
     void SetPrevEvent();
     void Raise();

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <random>
 #include <string>
@@ -189,8 +190,50 @@ TEST(cEventStream, SortMatchesTheRecursiveDefinitionOnManyTies) {
             ASSERT_EQ(stream.EventLine(i), expected[i].second) << "round " << round << " at " << i;
         }
     }
-    // Out-of-range bounds are refused rather than read.
+    // Times laid out to make the middle pivot the next smallest at every
+    // step (each comparison of two undecided items decides one of them):
+    // the list still comes out sorted and whole.
+    const int32_t n = 3000;
+    std::vector<int32_t> rank(n, n), order(n);
+    int32_t decided = 0, candidate = 0;
+    const auto less = [&](int32_t x, int32_t y) {
+        if (rank[x] == n && rank[y] == n) rank[x == candidate ? x : y] = decided++;
+        if (rank[x] == n)
+            candidate = x;
+        else if (rank[y] == n)
+            candidate = y;
+        return rank[x] < rank[y];
+    };
+    for (int32_t i = 0; i < n; ++i)
+        order[i] = i;
+    std::function<void(int32_t, int32_t)> adversary = [&](int32_t low, int32_t high) {
+        if (high <= low) return;
+        int32_t i = low, j = high;
+        const int32_t pivot = order[static_cast<int32_t>(RoundHalfEven((low + high) / 2.0))];
+        while (i <= j) {
+            while (less(order[i], pivot))
+                ++i;
+            while (less(pivot, order[j]))
+                --j;
+            if (i <= j) std::swap(order[i++], order[j--]);
+        }
+        adversary(low, j);
+        adversary(i, high);
+    };
+    adversary(0, n - 1);
     const int32_t position = 0;
+    cEventStream hostile{position};
+    for (int32_t i = 0; i < n; ++i)
+        hostile.AddEvent(i, kUnset, std::make_shared<cTime>(rank[i]));
+    hostile.QuickSort(0, n - 1);
+    std::vector<bool> seen(n);
+    for (int32_t i = 0; i < n; ++i) {
+        ASSERT_EQ(hostile.EventTime(i), i < decided ? i : n);
+        seen[static_cast<size_t>(hostile.EventLine(i))] = true;
+    }
+    EXPECT_EQ(std::count(seen.begin(), seen.end(), true), n);
+
+    // Out-of-range bounds are refused rather than read.
     cEventStream stream{position};
     stream.AddEvent(0, kUnset, std::make_shared<cTime>(1));
     stream.QuickSort(-1, 5);
