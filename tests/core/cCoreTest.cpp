@@ -64,14 +64,6 @@ struct Rig {
     }
 };
 
-TEST(cCore, BindingTheTimerStartsFastPolling) {
-    Rig r;
-    EXPECT_TRUE(r.core->TimerBound());
-    EXPECT_EQ(r.timer.interval, 20);
-    EXPECT_TRUE(r.timer.enabled);
-    EXPECT_FALSE(r.core->PluginAlive());
-}
-
 TEST(cCore, WakesThePluginThenPolls) {
     Rig r;
     r.channel.registerAnswer = 0;  // not yet: the plug-in refuses

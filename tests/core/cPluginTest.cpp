@@ -226,14 +226,5 @@ TEST(cPlugin, TagFieldsAreDecodedTrimmedAndCut) {
     EXPECT_EQ(m.MiliDuration(), -2000);
 }
 
-TEST(cPlugin, BlankRemovalAndCut) {
-    EXPECT_EQ(cPlugin::unspaceString(u"  a b  "), u"a b");
-    EXPECT_EQ(cPlugin::unspaceString(u"    "), u"");
-    EXPECT_EQ(cPlugin::unspaceString(u"\ta "), u"\ta");
-    EXPECT_EQ(cPlugin::retString(std::u16string(u"ab\0cd", 5)), u"ab");
-    EXPECT_EQ(cPlugin::retString(std::u16string(u"\0", 1)), u"");
-    EXPECT_EQ(cPlugin::retString(u"abc"), u"abc");
-}
-
 }  // namespace
 }  // namespace toval::test
