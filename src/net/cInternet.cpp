@@ -3,45 +3,10 @@
 #include <utility>
 
 #include "config/cErrorLog.h"
+#include "lyric/mString.h"
 #include "net/mHttp.h"
 
 namespace toval {
-
-namespace {
-
-// The proxy host of the settings as wire bytes (UTF-8).
-std::string HostBytes(const std::u16string& text) {
-    std::string out;
-    out.reserve(text.size());
-    for (size_t i = 0; i < text.size(); ++i) {
-        uint32_t c = text[i];
-        if (c >= 0xD800 && c <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
-            text[i + 1] <= 0xDFFF) {
-            c = 0x10000 + ((c - 0xD800) << 10) + (text[i + 1] - 0xDC00);
-            ++i;
-        } else if (c >= 0xD800 && c <= 0xDFFF) {
-            c = 0xFFFD;
-        }
-        if (c < 0x80) {
-            out.push_back(static_cast<char>(c));
-        } else if (c < 0x800) {
-            out.push_back(static_cast<char>(0xC0 | (c >> 6)));
-            out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-        } else if (c < 0x10000) {
-            out.push_back(static_cast<char>(0xE0 | (c >> 12)));
-            out.push_back(static_cast<char>(0x80 | ((c >> 6) & 0x3F)));
-            out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-        } else {
-            out.push_back(static_cast<char>(0xF0 | (c >> 18)));
-            out.push_back(static_cast<char>(0x80 | ((c >> 12) & 0x3F)));
-            out.push_back(static_cast<char>(0x80 | ((c >> 6) & 0x3F)));
-            out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-        }
-    }
-    return out;
-}
-
-}  // namespace
 
 cInternet::cInternet(cGlobals& globals) : globals_(globals) {}
 
@@ -114,7 +79,7 @@ void cInternet::Request(bool post, const std::string& url, int32_t id, const std
             }
             const cSettings& settings = globals_.Settings;
             if (settings.proxy_Enabled) {
-                host = HostBytes(settings.proxy_Host);
+                host = Strings().wstringTOutf8(settings.proxy_Host);
                 port = settings.proxy_Port;
                 request = HttpRequestText(post, true, url, hostPart, cookie, referer, body);
                 // With the proxy host in front the key never equals a URL, so a
