@@ -228,6 +228,10 @@ TEST_F(StepsTest, UntimedLyricSavesAsPlainTextAfterItsProperties) {
     editor.cmdNext_Click();
     EXPECT_EQ(editor.SaveText(1).find(u"<"), std::u16string::npos);
     EXPECT_NE(editor.SaveText(1).find(u"[\\PROPERTY]one two\r\nthree\r\n"), std::u16string::npos);
+    // A lyric read with times whose times were all deleted is plain text too.
+    StartTiming(u"[1000]<1000>one <1500>two\r\n[2000]three\r\n");
+    editor.delTimes(INT32_MIN, INT32_MAX);
+    EXPECT_NE(editor.SaveText(1).find(u"[\\PROPERTY]one two\r\nthree\r\n"), std::u16string::npos);
 }
 
 TEST_F(StepsTest, ResetAsksAndOnlyYesGoesBack) {
