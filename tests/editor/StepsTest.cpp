@@ -125,6 +125,14 @@ TEST_F(StepsTest, AutoImplodeFoldsOnlyWhenCheckedAndOnlyOnce) {
     // Undo brings the copy back.
     EXPECT_TRUE(other.Undo());
     EXPECT_EQ(other.Lyric()->GetLineSize(), 3);
+    // The box stays disabled: a lyric built again from the text after a
+    // reset is not folded while the window stays open.
+    other.cmdBack_Click();
+    view.boxAnswer = kIdYes;
+    other.cmdReset_Click();
+    other.cmdNext_Click();
+    other.cmdNext_Click();
+    EXPECT_EQ(other.Lyric()->GetLineSize(), 3);
 }
 
 TEST_F(StepsTest, LoadReadsAFileIntoTextBoxAndLyric) {
