@@ -9,8 +9,6 @@
 #include "config/cSettings.h"
 #include "editor/cEditor.h"
 #include "fakes/FakeRandom.h"
-#include "lyric/cLyric.h"
-#include "lyric/cLyricLine.h"
 
 namespace toval::test {
 namespace {
@@ -93,18 +91,6 @@ TEST(TextToLyric, RightToLeftRunsComeOutReversed) {
     EXPECT_EQ(t.editor.wordSep(a + u", " + b, u"<>"), u"<>" + b + u"<> <>,<>" + a);
     // A trailing separator after a run comes last.
     EXPECT_EQ(t.editor.wordSep(a + u" " + b + u".", u"<>"), u"<>" + b + u"<> <>" + a + u"<>.");
-}
-
-TEST(TextToLyric, ResultLoadsAsUntimedWords) {
-    TextEditor t;
-    cLyric lyric;
-    lyric.setLoad(t.editor.textToLyric(u"Hello, world\r\n\r\nsecond line here"));
-    ASSERT_EQ(lyric.GetLineSize(), 3);
-    EXPECT_EQ(lyric.GetLine(0)->GetWordSize(), 4);  // Hello , blank world
-    EXPECT_EQ(lyric.GetLine(0)->Text(), u"Hello, world");
-    EXPECT_TRUE(lyric.GetLine(1)->IsEmpty());
-    EXPECT_EQ(lyric.GetLine(2)->TextRebuild(), u"second line here");
-    EXPECT_TRUE(lyric.Simple());
 }
 
 }  // namespace
