@@ -1,5 +1,8 @@
 #include "lyric/cLyricFile.h"
 
+#include <filesystem>
+#include <fstream>
+
 #include "config/cConfig.h"
 #include "config/cErrorLog.h"
 #include "core/cMusic.h"
@@ -53,10 +56,19 @@ bool cLyricFile::LoadFromLyric(const std::shared_ptr<cMusic>& track) {
     return Guarded("cLyricFile.LoadFromLyric", false, [&] {
         // A track without a file (a stream) has nothing beside it.
         if (!track || track->FileAddress().empty()) return false;
-        std::u16string path = GetTovalAddress(track->FileAddress());
-        if (!FileExists(path)) {
-            path = GetLyricAddress(track->FileAddress());
+        // A file that cannot be read (a folder of that name, no permission)
+        // counts as missing, so that the lookup goes on to the next source.
+        const auto usable = [](const std::u16string& path) {
             if (!FileExists(path)) return false;
+            const std::filesystem::path file(path);
+            std::error_code error;
+            return std::filesystem::is_regular_file(file, error) &&
+                   std::ifstream(file, std::ios::binary).is_open();
+        };
+        std::u16string path = GetTovalAddress(track->FileAddress());
+        if (!usable(path)) {
+            path = GetLyricAddress(track->FileAddress());
+            if (!usable(path)) return false;
         }
         lyric_ = FileRead(path);
         return true;
