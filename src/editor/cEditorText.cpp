@@ -299,9 +299,9 @@ void cEditor::implodeToval() {
                 candidates[signature[static_cast<size_t>(b)]].push_back(b);
             }
             // Latest block first, each folded into the nearest earlier block
-            // like it. Folding changes only times, so which blocks are alike
-            // stays as it was; and the blocks still to visit lie before the
-            // lines taken out, so their indexes stay valid.
+            // like it (the first match wins). Folding changes only times, so
+            // which blocks are alike stays as it was, and no line moves
+            // before the end, so every block's indexes stay valid.
             for (int32_t b = count - 1; b >= 1; --b) {
                 std::vector<int32_t>& same = candidates[signature[static_cast<size_t>(b)]];
                 if (!same.empty() && same.back() == b) same.pop_back();
