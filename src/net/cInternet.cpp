@@ -125,6 +125,7 @@ void cInternet::Send(const std::string& host, int32_t port, std::string request,
     socket_->setTag(std::move(request));
     data_.clear();
     busy_ = true;
+    sentAt_ = MonotonicMs ? MonotonicMs() : 0;
     socket_->Close();
     socket_->Connect(host, port);
     // Off and on again, so that a new request gets the whole time-out.
@@ -147,8 +148,9 @@ void cInternet::ws_Sock_DataArrival(int32_t /*bytesTotal*/) {
     TimerOn();
     std::string piece;
     socket_->GetData(piece);
-    // An answer past the limit is hostile or broken: stop taking it.
-    if (piece.size() > kInternetMaxAnswer - data_.size()) {
+    // An answer past the limits is hostile or broken: stop taking it.
+    const int64_t elapsed = MonotonicMs ? MonotonicMs() - sentAt_ : 0;
+    if (piece.size() > kInternetMaxAnswer - data_.size() || elapsed > kInternetMaxAnswerTime) {
         data_.clear();
         ws_Sock_Close();
         return;

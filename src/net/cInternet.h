@@ -8,6 +8,7 @@
 // encoded by the caller); Data() is the raw body.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -26,6 +27,9 @@ namespace toval {
 inline constexpr int32_t kInternetTimeout = 10000;
 // An answer larger than this (headers included) ends the request as a failure.
 inline constexpr size_t kInternetMaxAnswer = 4u * 1024u * 1024u;
+// An answer still arriving this long after the request was sent ends it as a
+// failure: a server trickling a byte now and then never lets the time-out run.
+inline constexpr int64_t kInternetMaxAnswerTime = 60000;
 
 // States of ieEvent.
 inline constexpr int16_t kInternetBadUrl = 1;   // nothing was sent
@@ -61,6 +65,14 @@ class cInternet {
     // The outcome of a request: kInternetBadUrl, kInternetSuccess or kInternetFailure.
     std::function<void(int16_t state)> onieEvent;
 
+    // A monotonic clock in milliseconds, for the limit on a whole answer;
+    // tests replace it.
+    std::function<int64_t()> MonotonicMs = [] {
+        return std::chrono::duration_cast<std::chrono::milliseconds>(
+                   std::chrono::steady_clock::now().time_since_epoch())
+            .count();
+    };
+
     // Handlers of the controls' events.
     void ws_Sock_Connect();
     void ws_Sock_DataArrival(int32_t bytesTotal);
@@ -86,6 +98,8 @@ class cInternet {
     std::string lastKey_;
     // A request is on the wire; events of the controls outside one are ignored.
     bool busy_ = false;
+    // When the current request was sent (MonotonicMs).
+    int64_t sentAt_ = 0;
 };
 
 }  // namespace toval

@@ -325,6 +325,30 @@ TEST_F(InternetTest, AnswerPastTheLimitFailsWithoutGrowing) {
     EXPECT_EQ(net.Data().size(), kInternetMaxAnswer - head.size());
 }
 
+TEST_F(InternetTest, AnswerTricklingPastTheTimeLimitFails) {
+    int64_t now = 1000;
+    net.MonotonicMs = [&now] { return now; };
+    net.getPage("http://h/", 1);
+    socket->accept();
+    socket->answer("HTTP/1.0 200 OK\r\n\r\n");
+    // One byte every nine seconds restarts the time-out each time...
+    for (int i = 0; i < 6; ++i) {
+        now += 9000;
+        socket->answer("x");
+    }
+    EXPECT_TRUE(events.empty()) << "54 s after sending: still within the limit";
+    now += 9000;
+    socket->answer("x");
+    // ...but not the limit on the whole answer.
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_EQ(events[0].state, kInternetFailure);
+    EXPECT_EQ(net.Data(), "");
+    // The next request gets the whole time again.
+    fetch("http://h/again", {"HTTP/1.0 200 OK\r\n\r\nbody"});
+    ASSERT_EQ(events.size(), 2u);
+    EXPECT_EQ(events[1].state, kInternetSuccess);
+}
+
 TEST_F(InternetTest, NewRequestDropsThePendingOne) {
     net.getPage("http://h/one", 1);
     socket->accept();
