@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "config/cErrorLog.h"
+#include "lyric/cForwardFind.h"
 #include "lyric/mNumber.h"
 #include "lyric/mRightToLeft.h"
 
@@ -18,29 +19,6 @@ size_t InStr(std::u16string_view s, size_t from, char16_t c) {
     const size_t i = s.find(c, from - 1);
     return i == npos ? 0 : i + 1;
 }
-
-// InStr for one character asked at positions that never go back: remembers
-// the last hit (or that there is none further on), so that asking again and
-// again for a mark that is not there does not rescan the rest of the text.
-class cForwardFind {
-  public:
-    cForwardFind(std::u16string_view s, char16_t c) : s_(s), c_(c) {}
-    size_t At(size_t from) {
-        if (from == 0 || from > s_.size()) return 0;
-        if (!(searched_ && from - 1 >= from_ && (hit_ == npos || hit_ >= from - 1))) {
-            from_ = from - 1;
-            hit_ = s_.find(c_, from_);
-            searched_ = true;
-        }
-        return hit_ == npos ? 0 : hit_ + 1;
-    }
-
-  private:
-    std::u16string_view s_;
-    char16_t c_;
-    size_t from_ = 0, hit_ = npos;
-    bool searched_ = false;
-};
 
 }  // namespace
 
