@@ -11,7 +11,7 @@ namespace toval {
 
 template <class T>
 class cObjectArray {
-public:
+  public:
     using Item = std::shared_ptr<T>;
 
     cObjectArray() = default;
@@ -55,7 +55,8 @@ public:
 
     // Releases every element, last first, then clears. The flag is not consulted.
     void Free(bool /*flag*/ = true) {
-        while (!items_.empty()) items_.pop_back();
+        while (!items_.empty())
+            items_.pop_back();
         Clear();
     }
 
@@ -63,7 +64,7 @@ public:
     auto begin() const { return items_.begin(); }
     auto end() const { return items_.end(); }
 
-private:
+  private:
     bool InRange(int32_t index) const { return index >= 0 && index < Size(); }
 
     std::vector<Item> items_;

@@ -10,14 +10,14 @@ struct cDateTime {
 };
 
 class Clock {
-public:
+  public:
     virtual ~Clock() = default;
     virtual cDateTime Now() = 0;
 };
 
 // The real clock: the system's local time.
 class cSystemClock final : public Clock {
-public:
+  public:
     cDateTime Now() override;
 };
 

@@ -8,7 +8,7 @@
 namespace toval {
 
 class Random {
-public:
+  public:
     virtual ~Random() = default;
     // A uniform number in [0, 1).
     virtual double Next() = 0;
@@ -16,11 +16,11 @@ public:
 
 // The real source: a Mersenne twister seeded once (from the clock at start).
 class cStdRandom final : public Random {
-public:
+  public:
     explicit cStdRandom(uint32_t seed) : engine_(seed) {}
     double Next() override { return std::uniform_real_distribution<double>(0.0, 1.0)(engine_); }
 
-private:
+  private:
     std::mt19937 engine_;
 };
 

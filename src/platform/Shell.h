@@ -34,12 +34,12 @@ inline constexpr int32_t kFolderAppData = 26;       // roaming: config.ini
 inline constexpr int32_t kFolderLocalAppData = 28;  // local: the lyric cache
 
 class Shell {
-public:
+  public:
     virtual ~Shell() = default;
 
     // Shows a modal message box; texts come already resolved from the language.
     virtual int32_t ShowMessage(const std::u16string& text, const std::u16string& title,
-                               int32_t flags) = 0;
+                                int32_t flags) = 0;
     // Opens a link with the shell's "open" verb.
     virtual void OpenLink(const std::u16string& url) = 0;
     virtual void Sleep(int32_t ms) = 0;

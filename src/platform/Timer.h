@@ -8,7 +8,7 @@
 namespace toval {
 
 class Timer {
-public:
+  public:
     virtual ~Timer() = default;
 
     virtual int32_t Interval() const = 0;

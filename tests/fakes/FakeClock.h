@@ -6,7 +6,7 @@
 namespace toval::test {
 
 class FakeClock : public Clock {
-public:
+  public:
     cDateTime Now() override { return now; }
     cDateTime now{2026, 11, 21, 9, 30, 45};
 };

@@ -8,7 +8,7 @@
 namespace toval::test {
 
 class FakeRandom : public Random {
-public:
+  public:
     FakeRandom() = default;
     explicit FakeRandom(std::vector<double> d) : draws(std::move(d)) {}
     double Next() override {

@@ -10,14 +10,14 @@
 namespace toval::test {
 
 class FakeShell : public Shell {
-public:
+  public:
     struct Box {
         std::u16string text, title;
         int32_t flags;
     };
 
     int32_t ShowMessage(const std::u16string& text, const std::u16string& title,
-                       int32_t flags) override {
+                        int32_t flags) override {
         boxes.push_back({text, title, flags});
         return boxAnswer;
     }

@@ -6,7 +6,7 @@
 namespace toval::test {
 
 class FakeTimer : public Timer {
-public:
+  public:
     int32_t Interval() const override { return interval; }
     void setInterval(int32_t ms) override {
         interval = ms;

@@ -8,7 +8,7 @@
 namespace toval::test {
 
 class TempDir {
-public:
+  public:
     TempDir() {
         std::random_device rd;
         path_ = std::filesystem::temp_directory_path() /
@@ -31,7 +31,7 @@ public:
     }
     std::u16string file(const std::u16string& name) const { return folder() + name; }
 
-private:
+  private:
     std::filesystem::path path_;
 };
 
