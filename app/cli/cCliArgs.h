@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "config/cSettings.h"
+
 namespace toval {
 
 struct cCliArgs {
@@ -20,10 +22,10 @@ struct cCliArgs {
     std::string artist, title, album;
     int32_t duration = -1;  // seconds; -1 when not given
 
-    std::string server;       // the lyric service host; empty: ask no service
-    int32_t timeout = 10000;  // ms of silence before the service counts as failed
-    std::string cache;        // the cache folder; empty: the per-user one
-    bool saveBeside = false;  // keep a service lyric as a .tvl file beside the track
+    std::string server;                  // the lyric service host; empty: ask no service
+    int32_t timeout = kInternetTimeout;  // ms of silence before the service counts as failed
+    std::string cache;                   // the cache folder; empty: the per-user one
+    bool saveBeside = false;             // keep a service lyric as a .tvl file beside the track
     Format format = Format::kLines;
     bool words = false;  // lines: show the word times of karaoke lines
     bool formatGiven = false;

@@ -4,6 +4,7 @@
 // calls cConfig::Save. Beside it, in cGlobals, live the other program-wide values.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -14,6 +15,19 @@ namespace toval {
 // The lyric service host until the user names one. ".invalid" never resolves,
 // so an unconfigured program can never reach a stranger's server.
 inline constexpr char16_t kDefaultServer[] = u"lyrics.invalid";
+
+// Limits of the HTTP client (fixed, not stored in config.ini).
+//
+// Silence on the wire for this long, while connecting, sending or within an
+// answer, ends a request as a failure; the wait between the last byte of the
+// request and the first of the answer is not timed. setTime gives the timer
+// this interval.
+inline constexpr int32_t kInternetTimeout = 10000;
+// An answer larger than this (headers included) ends the request as a failure.
+inline constexpr size_t kInternetMaxAnswer = 4u * 1024u * 1024u;
+// An answer still arriving this long after the request was sent ends it as a
+// failure: a server trickling a byte now and then never lets the time-out run.
+inline constexpr int64_t kInternetMaxAnswerTime = 60000;
 
 struct cSettings {
     std::u16string language_name = u"enus";

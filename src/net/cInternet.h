@@ -20,17 +20,6 @@
 
 namespace toval {
 
-// Silence on the wire for this long, while connecting, sending or within an
-// answer, ends a request as a failure; the wait between the last byte of the
-// request and the first of the answer is not timed. setTime gives the timer
-// this interval.
-inline constexpr int32_t kInternetTimeout = 10000;
-// An answer larger than this (headers included) ends the request as a failure.
-inline constexpr size_t kInternetMaxAnswer = 4u * 1024u * 1024u;
-// An answer still arriving this long after the request was sent ends it as a
-// failure: a server trickling a byte now and then never lets the time-out run.
-inline constexpr int64_t kInternetMaxAnswerTime = 60000;
-
 // States of ieEvent.
 inline constexpr int16_t kInternetBadUrl = 1;   // nothing was sent
 inline constexpr int16_t kInternetSuccess = 2;  // Data() holds the body
