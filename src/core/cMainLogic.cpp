@@ -62,6 +62,15 @@ cMainLogic::~cMainLogic() {
     }
     if (plugin_) plugin_->setCore(nullptr);
     if (releasedPlugin_) releasedPlugin_->setCore(nullptr);
+    if (errorLog_ && ErrorTrailLog() == errorLog_.get()) setErrorTrail(nullptr);
+}
+
+void cMainLogic::UseProgramFolder(const std::u16string& folder) {
+    globals_.ProgramFolder = WithSeparator(folder);
+    if (globals_.ProgramFolder.empty()) return;
+    auto log = std::make_unique<cErrorLog>(globals_.ProgramFolder, parts_.clock);
+    setErrorTrail(log.get());
+    errorLog_ = std::move(log);
 }
 
 std::u16string cMainLogic::Text(std::u16string_view key) const {
@@ -82,7 +91,7 @@ bool cMainLogic::Form_Load(const std::u16string& commandLine) {
     closing_ = false;
     int32_t attempts = 1;
     bool install = false;
-    globals_.ProgramFolder = WithSeparator(shell.ProgramFolder());
+    UseProgramFolder(shell.ProgramFolder());
     config_ = std::make_unique<cConfig>(globals_, shell, parts_.ini);
     config_->Load(false);
 
@@ -134,10 +143,9 @@ void cMainLogic::StartProgram(const std::u16string& path) {
     Guarded("fMain.StartProgram", [&] {
         random_ = std::make_unique<cStdRandom>(SeedFrom(parts_.clock.Now()));
 
-        if (!path.empty()) globals_.ProgramFolder = WithSeparator(path);
+        if (!path.empty()) UseProgramFolder(path);
         if (onStopAuxiliary) onStopAuxiliary();
-        if (globals_.ProgramFolder.empty())
-            globals_.ProgramFolder = WithSeparator(parts_.shell.ProgramFolder());
+        if (globals_.ProgramFolder.empty()) UseProgramFolder(parts_.shell.ProgramFolder());
 
         if (!config_) config_ = std::make_unique<cConfig>(globals_, parts_.shell, parts_.ini);
         config_->Load(false);

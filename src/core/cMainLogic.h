@@ -27,6 +27,7 @@ class Timer;
 class cConfig;
 class cCore;
 class cDisplay;
+class cErrorLog;
 class cMusic;
 class cPlugin;
 class iLyricSource;
@@ -99,10 +100,13 @@ class cMainLogic {
 
   private:
     void Quit();
+    // Error.log follows the program folder: (re)opened whenever it is set.
+    void UseProgramFolder(const std::u16string& folder);
 
     cGlobals& globals_;
     Parts parts_;
     LoaderFactory makeLoader_;
+    std::unique_ptr<cErrorLog> errorLog_;
     std::unique_ptr<cConfig> config_;
     std::unique_ptr<Random> random_;
     std::unique_ptr<cDisplay> display_;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "config/cConfig.h"
+#include "config/cErrorLog.h"
 #include "config/cIniEngine.h"
 #include "core/FakeLyricSource.h"
 #include "core/cCore.h"
@@ -142,6 +143,22 @@ TEST(cMainLogic, ANumericCommandLineIsThePluginWindow) {
     EXPECT_TRUE(p.main->Core()->PluginAlive());
     // Notices now reach the core through the hook.
     EXPECT_EQ(p.channel.Notice(4), 1);
+}
+
+TEST(cMainLogic, FailuresGoToErrorLogInTheProgramFolderWhileTheProgramRuns) {
+    std::filesystem::path file;
+    {
+        Program p;
+        file = p.dir.path() / "Error.log";
+        ASSERT_TRUE(p.main->Form_Load(u"77"));
+        ErrorTrail({"cThing.Work", "broken"});
+        std::ifstream in(file, std::ios::binary);
+        std::stringstream text;
+        text << in.rdbuf();
+        EXPECT_NE(text.str().find(" - cThing.Work ; broken\r\n"), std::string::npos);
+        p.main.reset();
+        EXPECT_EQ(ErrorTrailLog(), nullptr) << "the program's log goes with the program";
+    }
 }
 
 TEST(cMainLogic, CloseIsDeferredAndTheTeardownRunsOnce) {
