@@ -11,21 +11,9 @@
 #include "lyric/cLyricWord.h"
 #include "lyric/mNumber.h"
 
-namespace {
+#include "FuzzText.h"
 
-// Odd first byte: the rest is 16-bit little-endian units; otherwise one
-// character per byte.
-std::u16string Text(const uint8_t* data, size_t size) {
-    std::u16string text;
-    if (size > 0 && (data[0] & 1)) {
-        for (size_t i = 1; i + 1 < size; i += 2)
-            text.push_back(static_cast<char16_t>(data[i] | (data[i + 1] << 8)));
-    } else {
-        for (size_t i = 1; i < size; ++i)
-            text.push_back(static_cast<char16_t>(data[i]));
-    }
-    return text;
-}
+namespace {
 
 struct Reader {
     const uint8_t* data;
@@ -85,7 +73,7 @@ void RoundTrip(const uint8_t* data, size_t size) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    const std::u16string text = Text(data, size);
+    const std::u16string text = FuzzText(data, size);
 
     toval::cLyricWord word;
     word.setLoad(text);

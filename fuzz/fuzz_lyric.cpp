@@ -7,15 +7,10 @@
 #include "fakes/FakeMeasureSurface.h"
 #include "lyric/cLyric.h"
 
+#include "FuzzText.h"
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    std::u16string text;
-    if (size > 0 && (data[0] & 1)) {
-        for (size_t i = 1; i + 1 < size; i += 2)
-            text.push_back(static_cast<char16_t>(data[i] | (data[i + 1] << 8)));
-    } else {
-        for (size_t i = 1; i < size; ++i)
-            text.push_back(static_cast<char16_t>(data[i]));
-    }
+    const std::u16string text = FuzzText(data, size);
 
     toval::test::FakeMeasureSurface surface(7, 13);
     toval::cLyric lyric;
