@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "core/cMusic.h"
-#include "lyric/mString.h"
+#include "base/mString.h"
+#include "lyric/cMusic.h"
 #include "net/cCache.h"
 #include "net/cCacheHT.h"
 #include "net/cCacheMD.h"

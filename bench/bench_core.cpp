@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "base/mNumber.h"
 #include "core/FakeLyricSource.h"
 #include "core/cCore.h"
 #include "core/cEventStream.h"
@@ -20,7 +21,6 @@
 #include "fakes/FakeShell.h"
 #include "fakes/FakeTimer.h"
 #include "lyric/cLyric.h"
-#include "lyric/mNumber.h"
 
 namespace {
 
@@ -122,9 +122,8 @@ BENCHMARK(BM_HourOfPlaybackAt20ms)->Unit(benchmark::kMillisecond);
 void BM_StreamLoad5000(benchmark::State& state) {
     auto lyric = std::make_shared<cLyric>();
     lyric->setLoad(HourLyric());
-    int32_t position = 0;
     for (auto _ : state) {
-        cEventStream stream(position);
+        cEventStream stream;
         stream.Load(lyric);
         benchmark::DoNotOptimize(stream.NumEvents());
     }

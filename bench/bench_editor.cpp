@@ -6,12 +6,12 @@
 #include <string>
 
 #include "config/cSettings.h"
-#include "core/cMusic.h"
 #include "editor/cEditor.h"
 #include "fakes/FakeMeasureSurface.h"
 #include "fakes/FakeRandom.h"
 #include "lyric/cLyric.h"
 #include "lyric/cLyricLine.h"
+#include "lyric/cMusic.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "lyric/cStrings.h"
+#include "base/cStrings.h"
 
 namespace {
 

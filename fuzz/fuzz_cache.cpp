@@ -13,8 +13,8 @@
 #include <random>
 #include <string>
 
-#include "core/cMusic.h"
 #include "fakes/FakeRandom.h"
+#include "lyric/cMusic.h"
 #include "net/cCache.h"
 #include "net/cCacheHT.h"
 

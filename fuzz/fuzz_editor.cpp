@@ -40,7 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     for (int press = 0; press < 16; ++press) {
         globals.PlayPosition += 100;
         editor.locateNextWord(editor.curWord());
-        editor.setTime();
+        editor.setTime(globals.PlayPosition);
         editor.ChooseText(editor.newLine(), editor.newWord());
     }
     editor.implodeToval();

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "lyric/cStrings.h"
+#include "base/cStrings.h"
 
 namespace {
 

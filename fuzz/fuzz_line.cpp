@@ -7,9 +7,9 @@
 #include <memory>
 #include <string>
 
+#include "base/mNumber.h"
 #include "lyric/cLyricLine.h"
 #include "lyric/cLyricWord.h"
-#include "lyric/mNumber.h"
 
 #include "FuzzText.h"
 

@@ -9,9 +9,9 @@
 #include <string_view>
 
 #include "config/cSettings.h"
-#include "core/cMusic.h"
 #include "fakes/FakeSocket.h"
 #include "fakes/FakeTimer.h"
+#include "lyric/cMusic.h"
 #include "net/cTovalSite.h"
 
 using toval::cTovalSite;

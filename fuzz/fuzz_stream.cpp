@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     auto lyric = std::make_shared<cLyric>();
     lyric->setLoad(text);
     int32_t position = 0;
-    cEventStream stream(position);
+    cEventStream stream;
     stream.onLoadEvent = [&](int32_t& line, int32_t&) {
         if (line < 0 || line >= lyric->GetLineSize()) __builtin_trap();
     };
@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         uint32_t bits;
         std::memcpy(&bits, at, 4);
         position = static_cast<int32_t>(bits);
-        stream.UpdateTimeEvent();
+        stream.UpdateTimeEvent(position);
         if (stream.NumEvents() > 0 &&
             (stream.Current() < 0 || stream.Current() >= stream.NumEvents()))
             __builtin_trap();

@@ -8,12 +8,12 @@
 
 #include "core/FakeLyricSource.h"
 #include "core/cCore.h"
-#include "core/cMusic.h"
 #include "core/cPlugin.h"
 #include "fakes/FakePluginChannel.h"
 #include "fakes/FakeRandom.h"
 #include "fakes/FakeShell.h"
 #include "fakes/FakeTimer.h"
+#include "lyric/cMusic.h"
 
 using namespace toval;
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "base/mNumber.h"
 #include "lyric/cTime.h"
-#include "lyric/mNumber.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::u16string text;

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "lyric/cStrings.h"
+#include "base/cStrings.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const toval::cStrings strings;

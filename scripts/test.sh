@@ -34,6 +34,9 @@ run_ctest() {
     rm -f "$log"
 }
 
+step "include ladder"
+if scripts/check-layers.sh; then passed=$((passed + 1)); else failed=$((failed + 1)); status=1; fi
+
 step "native build and tests"
 cmake --preset default >/dev/null
 cmake --build --preset default

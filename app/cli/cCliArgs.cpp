@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "lyric/mNumber.h"
+#include "base/mNumber.h"
 
 namespace toval {
 

@@ -7,12 +7,12 @@
 #include <memory>
 #include <ostream>
 
+#include "base/mString.h"
 #include "config/cSettings.h"
-#include "core/cMusic.h"
+#include "core/cLyricFile.h"
 #include "lyric/cLyric.h"
-#include "lyric/cLyricFile.h"
+#include "lyric/cMusic.h"
 #include "lyric/cTime.h"
-#include "lyric/mString.h"
 #include "net/cCache.h"
 #include "net/cTovalSite.h"
 #include "posix/cPosixLoop.h"

@@ -2,10 +2,10 @@
 
 #include <variant>
 
-#include "config/cErrorLog.h"
-#include "lyric/mFile.h"
-#include "lyric/mNumber.h"
-#include "lyric/mPath.h"
+#include "base/cErrorLog.h"
+#include "base/mFile.h"
+#include "base/mNumber.h"
+#include "base/mPath.h"
 
 namespace toval {
 namespace {

@@ -1,7 +1,7 @@
 #include "config/cIni.h"
 
-#include "config/cErrorLog.h"
-#include "lyric/mCodePage.h"
+#include "base/cErrorLog.h"
+#include "base/mCodePage.h"
 
 namespace toval {
 

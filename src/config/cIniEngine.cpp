@@ -4,7 +4,7 @@
 #include <fstream>
 #include <system_error>
 
-#include "config/cErrorLog.h"
+#include "base/cErrorLog.h"
 
 namespace toval {
 namespace {

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <string>
 
-#include "lyric/mNumber.h"
+#include "base/mNumber.h"
 
 namespace toval {
 

@@ -1,9 +1,9 @@
 #include "config/mLanguage.h"
 
-#include "config/cErrorLog.h"
+#include "base/cErrorLog.h"
+#include "base/mCodePage.h"
+#include "base/mNumber.h"
 #include "config/cIni.h"
-#include "lyric/mCodePage.h"
-#include "lyric/mNumber.h"
 
 namespace toval {
 namespace {

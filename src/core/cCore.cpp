@@ -2,13 +2,13 @@
 
 #include <stdexcept>
 
-#include "config/cErrorLog.h"
+#include "base/cErrorLog.h"
+#include "base/mNumber.h"
 #include "core/cEventStream.h"
-#include "core/cMusic.h"
 #include "core/cPlugin.h"
 #include "display/cDisplay.h"
 #include "lyric/cLyric.h"
-#include "lyric/mNumber.h"
+#include "lyric/cMusic.h"
 #include "platform/Random.h"
 #include "platform/Shell.h"
 #include "platform/Timer.h"
@@ -155,9 +155,9 @@ void cCore::PluginEventBody(int32_t code) {
 void cCore::tmr_Timer_Timer() {
     Guarded("cCore.tmr_Timer_Timer", [&] {
         if (pluginAlive_) {
-            if (plugin_) plugin_->Update();
+            const int32_t position = plugin_ ? plugin_->Update() : globals_.PlayPosition;
             if (lyricActive_) {
-                if (const auto stream = stream_) stream->UpdateTimeEvent();
+                if (const auto stream = stream_) stream->UpdateTimeEvent(position);
             } else if (loadPending_) {
                 loadPending_ = false;
                 if (loader_) loader_->Load(globals_.PlaylistPosition);
@@ -194,7 +194,7 @@ void cCore::clf_Lyric_Loaded(int32_t requestId, int32_t status) {
         }
 
         DropStream();
-        stream_ = std::make_shared<cEventStream>(globals_);
+        stream_ = std::make_shared<cEventStream>();
         stream_->onLoadEvent = [this](int32_t& line, int32_t& word) {
             ces_Stream_LoadEvent(line, word);
         };

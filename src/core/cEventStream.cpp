@@ -3,18 +3,13 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "config/cErrorLog.h"
-#include "config/cSettings.h"
+#include "base/cErrorLog.h"
 #include "lyric/cLyric.h"
 #include "lyric/cLyricLine.h"
 #include "lyric/cLyricWord.h"
 #include "lyric/cTime.h"
 
 namespace toval {
-
-cEventStream::cEventStream(const int32_t& position) : position_(position) {}
-
-cEventStream::cEventStream(const cGlobals& globals) : position_(globals.PlayPosition) {}
 
 void cEventStream::Clear() {
     std::vector<Event>().swap(events_);
@@ -140,8 +135,7 @@ void cEventStream::SortRange(int32_t low, int32_t high, int32_t depth) {
     }
 }
 
-void cEventStream::SetNextEvent() {
-    const int32_t p = position_;
+void cEventStream::SetNextEvent(int32_t p) {
     const int32_t n = NumEvents();
     int32_t cursor = current_;
     while (nextTime_ <= p && nextIndex_ < n) {
@@ -153,8 +147,7 @@ void cEventStream::SetNextEvent() {
     }
 }
 
-void cEventStream::SetPrevEvent() {
-    const int32_t p = position_;
+void cEventStream::SetPrevEvent(int32_t p) {
     int32_t cursor = current_;
     while (currentTime_ > p) {
         nextTime_ = currentTime_;
@@ -176,16 +169,15 @@ void cEventStream::Raise() {
     if (onLoadEvent) onLoadEvent(line, word);
 }
 
-void cEventStream::UpdateTimeEvent() {
-    const int32_t p = position_;
+void cEventStream::UpdateTimeEvent(int32_t p) {
     if (p < nextTime_) {
         if (p >= currentTime_) return;
-        SetPrevEvent();
+        SetPrevEvent(p);
         Raise();
     } else if (nextIndex_ < NumEvents()) {
         // Past the last event there is nothing left to reach, even at the
         // largest position.
-        SetNextEvent();
+        SetNextEvent(p);
         Raise();
     }
 }

@@ -10,28 +10,22 @@
 #include <memory>
 #include <vector>
 
-#include "lyric/mNumber.h"
+#include "base/mNumber.h"
 
 namespace toval {
 
 class cLyric;
 class cTime;
-struct cGlobals;
 
 class cEventStream {
   public:
-    // position: the play position in ms that each tick reads (the program-wide
-    // one, or the editor's own); it must outlive the stream.
-    explicit cEventStream(const int32_t& position);
-    explicit cEventStream(int32_t&&) = delete;  // a temporary position would dangle
-    explicit cEventStream(const cGlobals& globals);
-
     // Builds the list from the lyric's line and word times (empty for nullptr).
     void Load(const std::shared_ptr<cLyric>& lyric);
     void setLoad(const std::shared_ptr<cLyric>& lyric) { Load(lyric); }
 
-    // One tick: raises LoadEvent when the position has left the current interval.
-    void UpdateTimeEvent();
+    // One tick: raises LoadEvent when the play position (ms) has left the
+    // current interval.
+    void UpdateTimeEvent(int32_t position);
 
     // Compresses every event time by trackLength / lyricLength (ms), but only
     // when |lyricLength| - |trackLength| > 100 and both are positive.
@@ -68,11 +62,10 @@ class cEventStream {
 
     int32_t TimeAt(size_t index) const;
     void SortRange(int32_t low, int32_t high, int32_t depth);
-    void SetNextEvent();
-    void SetPrevEvent();
+    void SetNextEvent(int32_t position);
+    void SetPrevEvent(int32_t position);
     void Raise();
 
-    const int32_t& position_;
     std::vector<Event> events_;
     int32_t current_ = 0;
     int32_t currentTime_ = kUnset;

@@ -1,13 +1,13 @@
 #include "core/cMainLogic.h"
 
+#include "base/cErrorLog.h"
+#include "base/mFile.h"
+#include "base/mNumber.h"
+#include "base/mString.h"
 #include "config/cConfig.h"
-#include "config/cErrorLog.h"
 #include "core/cCore.h"
 #include "core/cPlugin.h"
 #include "display/cDisplay.h"
-#include "lyric/mFile.h"
-#include "lyric/mNumber.h"
-#include "lyric/mString.h"
 #include "platform/Clock.h"
 #include "platform/PluginChannel.h"
 #include "platform/Random.h"
@@ -17,15 +17,6 @@
 namespace toval {
 
 namespace {
-
-// The teardown goes on whatever fails.
-template <class F>
-void Ignoring(F&& step) noexcept {
-    try {
-        step();
-    } catch (...) {
-    }
-}
 
 std::u16string UpperAscii(std::u16string text) {
     for (char16_t& c : text)
@@ -205,23 +196,24 @@ void cMainLogic::setDisplayMode(int32_t mode) {
 void cMainLogic::Teardown() {
     if (closing_) return;
     closing_ = true;
-    Ignoring([&] {
+    // Every step is guarded on its own: the teardown goes on whatever fails.
+    Guarded("fMain.Form_Unload", [&] {
         if (hooked_) parts_.channel.RemoveHook();
         hooked_ = false;
         parts_.channel.onMessage = nullptr;
     });
-    Ignoring([&] {
+    Guarded("fMain.Form_Unload", [&] {
         if (onStopAuxiliary) onStopAuxiliary();
     });
-    Ignoring([&] {
+    Guarded("fMain.Form_Unload", [&] {
         if (core_) core_->preClose();
     });
-    Ignoring([&] {
+    Guarded("fMain.Form_Unload", [&] {
         if (core_) core_->setPlugin(nullptr);
         if (plugin_) plugin_->setCore(nullptr);
         releasedPlugin_ = std::move(plugin_);
     });
-    Ignoring([&] {
+    Guarded("fMain.Form_Unload", [&] {
         if (!display_) return;
         const int32_t mode = display_->Window();
         if (mode == kModeTray || mode == kModeWindow)
@@ -229,14 +221,14 @@ void cMainLogic::Teardown() {
         display_->setWindow(kModeDetached);
         display_->Clear();
     });
-    Ignoring([&] {
+    Guarded("fMain.Form_Unload", [&] {
         if (onUnloadForms) onUnloadForms();
     });
-    Ignoring([&] {
+    Guarded("fMain.Form_Unload", [&] {
         // The configuration itself stays until the end: the lookup refers to it.
         if (config_) config_->Save(true);
     });
-    Ignoring([&] { Quit(); });
+    Guarded("fMain.Form_Unload", [&] { Quit(); });
 }
 
 }  // namespace toval

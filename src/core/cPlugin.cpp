@@ -1,9 +1,9 @@
 #include "core/cPlugin.h"
 
-#include "config/cErrorLog.h"
+#include "base/cErrorLog.h"
+#include "base/mString.h"
 #include "core/cCore.h"
-#include "core/cMusic.h"
-#include "lyric/mString.h"
+#include "lyric/cMusic.h"
 #include "platform/PluginChannel.h"
 #include "platform/Shell.h"
 
@@ -28,10 +28,7 @@ cPlugin::cPlugin(cGlobals& globals, PluginChannel& channel, Shell& shell,
       texts_(std::move(texts)),
       music_(std::make_shared<cMusic>()) {
     // Older systems have no privilege isolation: the call may fail; go on.
-    try {
-        channel_.AllowUserMessages();
-    } catch (...) {
-    }
+    Guarded("cPlugin.Class_Initialize", [&] { channel_.AllowUserMessages(); });
 }
 
 cPlugin::~cPlugin() = default;
@@ -73,13 +70,14 @@ void cPlugin::Wakeup() {
     });
 }
 
-void cPlugin::Update() {
+int32_t cPlugin::Update() {
     Guarded("cPlugin.Update", [&] {
         const int32_t position = channel_.SendCommand(pluginHwnd_, kCmdPosition, 0);
         globals_.PlayPosition = position;
         // Nothing playing also reads 0; only a plug-in that is gone ends the program.
         if (position == 0 && !Alive()) CloseMain();
     });
+    return globals_.PlayPosition;
 }
 
 int32_t cPlugin::PlaylistPosisition() {

@@ -61,7 +61,8 @@ class cPlugin {
     void Wakeup();
     // Polls the track position; a zero position from a dead plug-in closes
     // the program.
-    void Update();
+    // Polls the play position, stores it program-wide and returns it.
+    int32_t Update();
     int32_t PlaylistPosisition();
     bool Alive();
     // The program closes: core event 8, the plug-in is told, fMain closes.

@@ -1,6 +1,6 @@
 #include "display/cDisplay.h"
 
-#include "config/cErrorLog.h"
+#include "base/cErrorLog.h"
 #include "lyric/cLyric.h"
 #include "lyric/cLyricLine.h"
 #include "lyric/cLyricWord.h"

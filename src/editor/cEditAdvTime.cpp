@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "base/mNumber.h"
 #include "lyric/cTime.h"
-#include "lyric/mNumber.h"
 
 namespace toval {
 

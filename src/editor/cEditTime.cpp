@@ -1,6 +1,6 @@
 #include "editor/cEditTime.h"
 
-#include "config/cErrorLog.h"
+#include "base/cErrorLog.h"
 
 namespace toval {
 

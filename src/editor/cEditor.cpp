@@ -3,14 +3,14 @@
 
 #include <memory>
 
+#include "base/cErrorLog.h"
+#include "base/mFile.h"
 #include "config/cConfig.h"
-#include "config/cErrorLog.h"
 #include "core/cEventStream.h"
 #include "editor/cEditAdvTime.h"
 #include "editor/cEditTime.h"
-#include "editor/iLyricSender.h"
 #include "lyric/cLyric.h"
-#include "lyric/mFile.h"
+#include "net/iLyricSender.h"
 #include "platform/Shell.h"
 #include "platform/Timer.h"
 
@@ -208,7 +208,7 @@ void cEditor::BuildLyricFromText() {
 }
 
 void cEditor::StartPreview() {
-    stream_ = std::make_shared<cEventStream>(globals_);
+    stream_ = std::make_shared<cEventStream>();
     stream_->onLoadEvent = [this](int32_t& line, int32_t& word) {
         ces_Stream_LoadEvent(line, word);
     };

@@ -19,14 +19,14 @@
 #include <string_view>
 #include <vector>
 
+#include "base/mNumber.h"
 #include "config/cSettings.h"
-#include "core/cMusic.h"
 #include "editor/cTimedElement.h"
 #include "editor/cUndoHistory.h"
 #include "editor/iEditorView.h"
 #include "lyric/cLyricBlock.h"
+#include "lyric/cMusic.h"
 #include "lyric/cObjectArray.h"
-#include "lyric/mNumber.h"
 
 namespace toval {
 
@@ -102,7 +102,8 @@ class cEditor {
     // --- Timing ---
     void pb_Main_KeyDown(int32_t keyCode, int32_t shift);
     void pb_Main_MouseDown(int32_t button, int32_t shift, double x, double y);
-    void setTime();
+    // Stamps the chosen word or line with the play position (ms).
+    void setTime(int32_t position);
     void locateNextWord(int32_t word);
     void locateNextLine(int32_t line);
     void locateLineWord(double x, double y);

@@ -8,11 +8,11 @@
 #include <unordered_map>
 #include <vector>
 
-#include "config/cErrorLog.h"
+#include "base/cErrorLog.h"
+#include "base/mRightToLeft.h"
 #include "editor/cEditor.h"
 #include "lyric/cLyric.h"
 #include "lyric/cTime.h"
-#include "lyric/mRightToLeft.h"
 
 namespace toval {
 

@@ -8,7 +8,7 @@
 // already changed stay changed (undo brings them back).
 #include <cmath>
 
-#include "config/cErrorLog.h"
+#include "base/cErrorLog.h"
 #include "editor/cEditAdvTime.h"
 #include "editor/cEditor.h"
 #include "lyric/cLyric.h"

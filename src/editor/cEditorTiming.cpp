@@ -2,7 +2,7 @@
 // tests on the layout, the pop-up menu, and the preview's event stream.
 #include <memory>
 
-#include "config/cErrorLog.h"
+#include "base/cErrorLog.h"
 #include "core/cEventStream.h"
 #include "editor/cEditTime.h"
 #include "editor/cEditor.h"
@@ -43,7 +43,7 @@ void cEditor::pb_Main_KeyDown(int32_t keyCode, int32_t shift) {
             default:
                 return;
         }
-        setTime();
+        setTime(globals_.PlayPosition);
         ChooseText(newLine_, newWord_);
     });
 }
@@ -99,10 +99,9 @@ void cEditor::locateNextLine(int32_t line) {
     });
 }
 
-void cEditor::setTime() {
+void cEditor::setTime(int32_t position) {
     Guarded("fEdit.setTime", [&] {
         if (!IsPlayingTrack() || newLine_ == kUnset) return;
-        const int32_t position = globals_.PlayPosition;
         if (newWord_ == curWord_ && newLine_ == curLine_ && lastTimeSet_ && lastTime_) {
             // The again action: the last stamp takes the new position and
             // keeps its place in its element's list.
@@ -173,7 +172,7 @@ void cEditor::pb_Main_MouseDown(int32_t button, int32_t /*shift*/, double x, dou
             ChooseText(newLine_, newWord_);
             return;
         }
-        setTime();
+        setTime(globals_.PlayPosition);
         ChooseText(newLine_, newWord_);
     });
 }
@@ -296,7 +295,7 @@ void cEditor::mnuDelTimes_Click() {
 void cEditor::tmr_Stream_Timer() {
     Guarded("fEdit.tmr_Stream_Timer", [&] {
         if (step_ != 3 || !stream_ || !IsPlayingTrack()) return;
-        stream_->UpdateTimeEvent();
+        stream_->UpdateTimeEvent(globals_.PlayPosition);
     });
 }
 

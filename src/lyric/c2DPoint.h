@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "lyric/mNumber.h"
+#include "base/mNumber.h"
 
 namespace toval {
 

@@ -2,8 +2,8 @@
 
 #include <cstdlib>
 
-#include "config/cErrorLog.h"
-#include "lyric/mNumber.h"
+#include "base/cErrorLog.h"
+#include "base/mNumber.h"
 
 namespace toval {
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "config/cErrorLog.h"
-#include "core/cMusic.h"
+#include "base/cErrorLog.h"
+#include "lyric/cMusic.h"
 
 namespace toval {
 

@@ -9,10 +9,10 @@
 #include <string>
 #include <string_view>
 
+#include "base/mNumber.h"
 #include "lyric/cDelta.h"
 #include "lyric/cLyricLine.h"
 #include "lyric/cObjectArray.h"
-#include "lyric/mNumber.h"
 #include "platform/MeasureSurface.h"
 #include "platform/Random.h"
 

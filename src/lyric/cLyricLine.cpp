@@ -2,10 +2,10 @@
 
 #include <vector>
 
-#include "config/cErrorLog.h"
+#include "base/cErrorLog.h"
+#include "base/mNumber.h"
+#include "base/mRightToLeft.h"
 #include "lyric/cForwardFind.h"
-#include "lyric/mNumber.h"
-#include "lyric/mRightToLeft.h"
 
 namespace toval {
 

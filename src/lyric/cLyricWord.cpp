@@ -1,8 +1,8 @@
 #include "lyric/cLyricWord.h"
 
-#include "config/cErrorLog.h"
+#include "base/cErrorLog.h"
+#include "base/mNumber.h"
 #include "lyric/cForwardFind.h"
-#include "lyric/mNumber.h"
 
 namespace toval {
 

@@ -1,7 +1,7 @@
 #include "lyric/cTime.h"
 
-#include "config/cErrorLog.h"
-#include "lyric/mNumber.h"
+#include "base/cErrorLog.h"
+#include "base/mNumber.h"
 
 namespace toval {
 

@@ -2,11 +2,11 @@
 
 #include <unordered_set>
 
-#include "config/cErrorLog.h"
-#include "core/cMusic.h"
-#include "lyric/mNumber.h"
-#include "lyric/mPath.h"
-#include "lyric/mString.h"
+#include "base/cErrorLog.h"
+#include "base/mNumber.h"
+#include "base/mPath.h"
+#include "base/mString.h"
+#include "lyric/cMusic.h"
 #include "net/mHasher.h"
 
 namespace toval {

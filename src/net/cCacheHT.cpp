@@ -7,8 +7,8 @@
 #include <stdexcept>
 #include <unordered_set>
 
-#include "config/cErrorLog.h"
-#include "lyric/mNumber.h"
+#include "base/cErrorLog.h"
+#include "base/mNumber.h"
 
 namespace toval {
 
@@ -121,14 +121,11 @@ bool cCacheHT::SaveHashTable() {
         fs::path fresh = file;
         fresh += u".new";
         std::error_code ec;
-        bool done = false;
-        try {
+        const bool done = Guarded("cCacheHT.SaveHashTable", false, [&] {
             WriteWholeFile(fresh, bytes);
             fs::rename(fresh, file, ec);
-            done = !ec;
-        } catch (const std::exception&) {
-            done = false;
-        }
+            return !ec;
+        });
         if (!done) {
             fs::remove(fresh, ec);
             // In place: a longer old file is deleted first so no tail survives.

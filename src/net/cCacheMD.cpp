@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <unordered_set>
 
-#include "config/cErrorLog.h"
-#include "lyric/mNumber.h"
+#include "base/cErrorLog.h"
+#include "base/mNumber.h"
 #include "net/mHasher.h"
 
 namespace toval {

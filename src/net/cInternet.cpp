@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "config/cErrorLog.h"
-#include "lyric/mString.h"
+#include "base/cErrorLog.h"
+#include "base/mString.h"
 #include "net/mHttp.h"
 
 namespace toval {

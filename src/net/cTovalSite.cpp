@@ -1,11 +1,11 @@
 #include "net/cTovalSite.h"
 
+#include "base/cErrorLog.h"
+#include "base/mNumber.h"
+#include "base/mString.h"
 #include "config/cConfig.h"
-#include "config/cErrorLog.h"
-#include "core/cMusic.h"
 #include "lyric/cLyric.h"
-#include "lyric/mNumber.h"
-#include "lyric/mString.h"
+#include "lyric/cMusic.h"
 
 namespace toval {
 

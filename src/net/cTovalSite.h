@@ -30,8 +30,8 @@
 #include <string_view>
 
 #include "config/cSettings.h"
-#include "editor/iLyricSender.h"
 #include "net/cInternet.h"
+#include "net/iLyricSender.h"
 #include "platform/Socket.h"
 #include "platform/Timer.h"
 

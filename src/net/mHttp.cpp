@@ -1,6 +1,6 @@
 #include "net/mHttp.h"
 
-#include "lyric/mNumber.h"
+#include "base/mNumber.h"
 
 namespace toval {
 

@@ -10,13 +10,13 @@
 #include <string>
 #include <vector>
 
-#include "config/cErrorLog.h"
+#include "base/cErrorLog.h"
+#include "base/mFile.h"
+#include "base/mPath.h"
 #include "config/cIniEngine.h"
 #include "fakes/FakeClock.h"
 #include "fakes/FakeShell.h"
 #include "fakes/TempDir.h"
-#include "lyric/mFile.h"
-#include "lyric/mPath.h"
 
 namespace toval::test {
 namespace {

@@ -9,10 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "base/mFile.h"
 #include "core/FakeLyricSource.h"
 #include "core/RecordingDisplay.h"
 #include "core/cCore.h"
-#include "core/cMusic.h"
+#include "core/cLyricFile.h"
 #include "core/cPlugin.h"
 #include "fakes/FakeDrawSurface.h"
 #include "fakes/FakeMeasureSurface.h"
@@ -22,8 +23,7 @@
 #include "fakes/FakeTimer.h"
 #include "fakes/TempDir.h"
 #include "lyric/cLyric.h"
-#include "lyric/cLyricFile.h"
-#include "lyric/mFile.h"
+#include "lyric/cMusic.h"
 #include "net/cCache.h"
 
 namespace toval::test {

@@ -8,7 +8,6 @@
 #include "core/FakeLyricSource.h"
 #include "core/RecordingDisplay.h"
 #include "core/cEventStream.h"
-#include "core/cMusic.h"
 #include "core/cPlugin.h"
 #include "display/cDisplay.h"
 #include "fakes/FakeDrawSurface.h"
@@ -18,6 +17,7 @@
 #include "fakes/FakeShell.h"
 #include "fakes/FakeTimer.h"
 #include "lyric/cLyric.h"
+#include "lyric/cMusic.h"
 
 namespace toval::test {
 namespace {

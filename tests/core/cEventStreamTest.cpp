@@ -26,7 +26,7 @@ std::shared_ptr<cLyric> LyricOf(std::u16string_view text) {
 
 struct Player {
     int32_t position = 0;
-    cEventStream stream{position};
+    cEventStream stream;
     std::vector<Raised> raised;
 
     Player() {
@@ -38,7 +38,7 @@ struct Player {
     std::vector<Raised> At(int32_t ms) {
         raised.clear();
         position = ms;
-        stream.UpdateTimeEvent();
+        stream.UpdateTimeEvent(position);
         return raised;
     }
 };
@@ -178,7 +178,7 @@ TEST(cEventStream, SortMatchesTheRecursiveDefinitionOnManyTies) {
         const int32_t n = 1 + static_cast<int32_t>(rng() % 300);
         const int32_t spread = 1 + static_cast<int32_t>(rng() % 20);
         std::vector<std::pair<int32_t, int32_t>> expected;
-        cEventStream stream{n};
+        cEventStream stream;
         for (int32_t i = 0; i < n; ++i) {
             const int32_t t = static_cast<int32_t>(rng() % spread) * 100;
             expected.emplace_back(t, i);
@@ -221,8 +221,7 @@ TEST(cEventStream, SortMatchesTheRecursiveDefinitionOnManyTies) {
         adversary(i, high);
     };
     adversary(0, n - 1);
-    const int32_t position = 0;
-    cEventStream hostile{position};
+    cEventStream hostile;
     for (int32_t i = 0; i < n; ++i)
         hostile.AddEvent(i, kUnset, std::make_shared<cTime>(rank[i]));
     hostile.QuickSort(0, n - 1);
@@ -234,7 +233,7 @@ TEST(cEventStream, SortMatchesTheRecursiveDefinitionOnManyTies) {
     EXPECT_EQ(std::count(seen.begin(), seen.end(), true), n);
 
     // Out-of-range bounds are refused rather than read.
-    cEventStream stream{position};
+    cEventStream stream;
     stream.AddEvent(0, kUnset, std::make_shared<cTime>(1));
     stream.QuickSort(-1, 5);
     EXPECT_EQ(stream.NumEvents(), 1);

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "base/cErrorLog.h"
 #include "config/cConfig.h"
-#include "config/cErrorLog.h"
 #include "config/cIniEngine.h"
 #include "core/FakeLyricSource.h"
 #include "core/cCore.h"

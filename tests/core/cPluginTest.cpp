@@ -7,10 +7,10 @@
 
 #include "core/FakeLyricSource.h"
 #include "core/cCore.h"
-#include "core/cMusic.h"
 #include "fakes/FakePluginChannel.h"
 #include "fakes/FakeRandom.h"
 #include "fakes/FakeShell.h"
+#include "lyric/cMusic.h"
 
 namespace toval::test {
 namespace {

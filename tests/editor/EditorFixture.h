@@ -9,7 +9,6 @@
 #include <string>
 
 #include "config/cSettings.h"
-#include "core/cMusic.h"
 #include "editor/cEditor.h"
 #include "fakes/FakeEditorView.h"
 #include "fakes/FakeMeasureSurface.h"
@@ -18,6 +17,7 @@
 #include "lyric/cLyric.h"
 #include "lyric/cLyricLine.h"
 #include "lyric/cLyricWord.h"
+#include "lyric/cMusic.h"
 #include "lyric/cTime.h"
 
 namespace toval::test {

@@ -4,9 +4,9 @@
 #include <fstream>
 
 #include "EditorFixture.h"
-#include "editor/iLyricSender.h"
+#include "base/mFile.h"
 #include "fakes/TempDir.h"
-#include "lyric/mFile.h"
+#include "net/iLyricSender.h"
 
 namespace toval::test {
 namespace {

@@ -1,10 +1,10 @@
 // Undo and redo of the lyric's content and times, and a whole editing
 // session from typed text to a saved file read back.
 #include "EditorFixture.h"
+#include "base/mFile.h"
 #include "core/cEventStream.h"
 #include "editor/cUndoHistory.h"
 #include "fakes/TempDir.h"
-#include "lyric/mFile.h"
 
 namespace toval::test {
 namespace {

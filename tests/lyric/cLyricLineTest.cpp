@@ -5,10 +5,10 @@
 #include <random>
 #include <vector>
 
+#include "base/mNumber.h"
+#include "base/mRightToLeft.h"
 #include "fakes/FakeMeasureSurface.h"
 #include "lyric/cLyricWord.h"
-#include "lyric/mNumber.h"
-#include "lyric/mRightToLeft.h"
 
 namespace toval {
 namespace {

@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "config/cErrorLog.h"
-#include "core/cMusic.h"
+#include "base/cErrorLog.h"
 #include "fakes/FakeClock.h"
 #include "fakes/FakeMeasureSurface.h"
 #include "fakes/FakeRandom.h"
+#include "lyric/cMusic.h"
 
 namespace toval {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/mNumber.h"
 #include "lyric/cDelta.h"
-#include "lyric/mNumber.h"
 
 namespace toval {
 namespace {

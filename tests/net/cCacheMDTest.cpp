@@ -7,8 +7,8 @@
 #include <iterator>
 #include <string>
 
+#include "base/mNumber.h"
 #include "fakes/TempDir.h"
-#include "lyric/mNumber.h"
 #include "net/mHasher.h"
 
 namespace toval::test {

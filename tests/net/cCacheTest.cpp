@@ -8,12 +8,12 @@
 #include <memory>
 #include <string>
 
-#include "config/cErrorLog.h"
-#include "core/cMusic.h"
+#include "base/cErrorLog.h"
 #include "fakes/FakeClock.h"
 #include "fakes/FakeRandom.h"
 #include "fakes/FakeShell.h"
 #include "fakes/TempDir.h"
+#include "lyric/cMusic.h"
 #include "net/mHasher.h"
 
 namespace toval::test {

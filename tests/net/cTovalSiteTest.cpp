@@ -6,15 +6,15 @@
 #include <string>
 #include <vector>
 
+#include "base/mFile.h"
 #include "config/cConfig.h"
 #include "config/cIniEngine.h"
-#include "core/cMusic.h"
 #include "fakes/FakeShell.h"
 #include "fakes/FakeSocket.h"
 #include "fakes/FakeTimer.h"
 #include "fakes/TempDir.h"
 #include "lyric/cLyric.h"
-#include "lyric/mFile.h"
+#include "lyric/cMusic.h"
 
 namespace toval::test {
 namespace {

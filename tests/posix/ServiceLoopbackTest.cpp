@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "core/cMusic.h"
+#include "core/cLyricFile.h"
 #include "fakes/FakeRandom.h"
 #include "fakes/TempDir.h"
 #include "lyric/cLyric.h"
-#include "lyric/cLyricFile.h"
+#include "lyric/cMusic.h"
 #include "net/cTovalSite.h"
 #include "posix/FakeLyricService.h"
 #include "posix/cPosixLoop.h"

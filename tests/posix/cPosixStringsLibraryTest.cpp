@@ -5,10 +5,10 @@
 #include <fstream>
 #include <sstream>
 
-#include "config/cErrorLog.h"
+#include "base/cErrorLog.h"
+#include "base/mString.h"
 #include "fakes/FakeClock.h"
 #include "fakes/TempDir.h"
-#include "lyric/mString.h"
 
 namespace toval {
 namespace {

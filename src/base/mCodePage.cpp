@@ -1,4 +1,4 @@
-#include "lyric/mCodePage.h"
+#include "base/mCodePage.h"
 
 #include <array>
 #include <cstdint>

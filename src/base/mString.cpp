@@ -1,9 +1,9 @@
-#include "lyric/mString.h"
+#include "base/mString.h"
 
 #include <memory>
 #include <string>
 
-#include "config/cErrorLog.h"
+#include "base/cErrorLog.h"
 
 namespace toval {
 

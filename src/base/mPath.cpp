@@ -1,10 +1,10 @@
-#include "lyric/mPath.h"
+#include "base/mPath.h"
 
 #include <filesystem>
 #include <system_error>
 
-#include "config/cErrorLog.h"
-#include "lyric/mFile.h"
+#include "base/cErrorLog.h"
+#include "base/mFile.h"
 
 namespace toval {
 

@@ -1,12 +1,12 @@
-#include "lyric/cLyricFile.h"
+#include "core/cLyricFile.h"
 
 #include <filesystem>
 #include <fstream>
 
+#include "base/cErrorLog.h"
+#include "base/mFile.h"
 #include "config/cConfig.h"
-#include "config/cErrorLog.h"
-#include "core/cMusic.h"
-#include "lyric/mFile.h"
+#include "lyric/cMusic.h"
 
 namespace toval {
 

@@ -4,16 +4,14 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 
 namespace toval {
 
 // The folder separator of the platform; the one place that decides it.
-#ifdef _WIN32
-inline constexpr char16_t kPathSeparator = u'\\';
-#else
-inline constexpr char16_t kPathSeparator = u'/';
-#endif
+inline constexpr char16_t kPathSeparator =
+    static_cast<char16_t>(std::filesystem::path::preferred_separator);
 
 // The path without its extension: everything before the last "." when that "."
 // is not the first character, else the path unchanged. The search does not stop

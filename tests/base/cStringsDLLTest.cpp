@@ -1,4 +1,4 @@
-#include "lyric/cStringsDLL.h"
+#include "base/cStringsDLL.h"
 
 #include <gtest/gtest.h>
 
@@ -9,11 +9,11 @@
 #include <stdexcept>
 #include <vector>
 
-#include "config/cErrorLog.h"
+#include "base/cErrorLog.h"
+#include "base/mFile.h"
+#include "base/mString.h"
 #include "fakes/FakeClock.h"
 #include "fakes/TempDir.h"
-#include "lyric/mFile.h"
-#include "lyric/mString.h"
 
 namespace toval {
 namespace {

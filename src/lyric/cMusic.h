@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "lyric/mNumber.h"
+#include "base/mNumber.h"
 
 namespace toval {
 

@@ -3,8 +3,8 @@
 // library's first failure).
 #pragma once
 
-#include "lyric/cStrings.h"
-#include "lyric/cStringsDLL.h"
+#include "base/cStrings.h"
+#include "base/cStringsDLL.h"
 #include "platform/StringsLibrary.h"
 
 namespace toval {

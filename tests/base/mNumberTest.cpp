@@ -1,4 +1,4 @@
-#include "lyric/mNumber.h"
+#include "base/mNumber.h"
 
 #include <gtest/gtest.h>
 

@@ -8,7 +8,7 @@
 #include <memory>
 #include <string>
 
-#include "lyric/cStrings.h"
+#include "base/cStrings.h"
 #include "platform/StringsLibrary.h"
 
 namespace toval {

@@ -1,13 +1,13 @@
-#include "lyric/mPath.h"
+#include "base/mPath.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 
+#include "base/mFile.h"
 #include "fakes/FakeShell.h"
 #include "fakes/TempDir.h"
-#include "lyric/mFile.h"
 
 namespace toval {
 namespace {

@@ -1,4 +1,4 @@
-#include "config/cErrorLog.h"
+#include "base/cErrorLog.h"
 
 #include <cstdio>
 #include <filesystem>

@@ -1,10 +1,10 @@
-#include "lyric/cStringsDLL.h"
+#include "base/cStringsDLL.h"
 
 #include <utility>
 
-#include "config/cErrorLog.h"
-#include "lyric/mCodePage.h"
-#include "lyric/mFile.h"
+#include "base/cErrorLog.h"
+#include "base/mCodePage.h"
+#include "base/mFile.h"
 
 namespace toval {
 

@@ -1,4 +1,4 @@
-#include "lyric/cStrings.h"
+#include "base/cStrings.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
-#include "lyric/mFile.h"
+#include "base/mFile.h"
 
 #include <filesystem>
 #include <fstream>
 #include <system_error>
 
-#include "config/cErrorLog.h"
-#include "lyric/mCodePage.h"
-#include "lyric/mString.h"
+#include "base/cErrorLog.h"
+#include "base/mCodePage.h"
+#include "base/mString.h"
 
 namespace toval {
 

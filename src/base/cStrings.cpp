@@ -1,4 +1,4 @@
-#include "lyric/cStrings.h"
+#include "base/cStrings.h"
 
 #include <algorithm>
 #include <array>
@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "config/cErrorLog.h"
-#include "lyric/mNumber.h"
+#include "base/cErrorLog.h"
+#include "base/mNumber.h"
 
 namespace toval {
 

@@ -1,4 +1,4 @@
-#include "lyric/mRightToLeft.h"
+#include "base/mRightToLeft.h"
 
 namespace toval {
 

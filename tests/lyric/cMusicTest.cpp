@@ -1,4 +1,4 @@
-#include "core/cMusic.h"
+#include "lyric/cMusic.h"
 
 #include <gtest/gtest.h>
 

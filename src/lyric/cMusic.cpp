@@ -1,11 +1,11 @@
-#include "core/cMusic.h"
+#include "lyric/cMusic.h"
 
 #include <filesystem>
 #include <system_error>
 
-#include "config/cErrorLog.h"
-#include "lyric/mCodePage.h"
-#include "lyric/mString.h"
+#include "base/cErrorLog.h"
+#include "base/mCodePage.h"
+#include "base/mString.h"
 
 namespace toval {
 

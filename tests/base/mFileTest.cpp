@@ -1,4 +1,4 @@
-#include "lyric/mFile.h"
+#include "base/mFile.h"
 
 #include <gtest/gtest.h>
 
