@@ -10,11 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "base/cErrorLog.h"
 #include "base/mFile.h"
 #include "base/mPath.h"
 #include "config/cIniEngine.h"
-#include "fakes/FakeClock.h"
+#include "fakes/CapturedTrail.h"
 #include "fakes/FakeShell.h"
 #include "fakes/TempDir.h"
 
@@ -400,18 +399,10 @@ TEST_F(cConfigTest, SplashFlagAndShownVersionGoToTheFileOnEveryAccess) {
     EXPECT_NE(bytes.find("editmode_splash=1\r\n"), std::string::npos);
     EXPECT_NE(bytes.find("version_LastShow=140\r\n"), std::string::npos);
     // A version that is no number reads as 0 and leaves a trail line.
-    struct Trail : cErrorLog {
-        using cErrorLog::cErrorLog;
-        std::vector<std::vector<std::string>> lines;
-        void Write(const std::vector<std::string>& texts) override { lines.push_back(texts); }
-    };
-    FakeClock clock;
-    Trail trail(dir.folder(), clock);
-    setErrorTrail(&trail);
+    test::CapturedTrail trail;
     PutConfig("editmode_splash=yes\r\nversion_LastShow=junk\r\n");
     EXPECT_FALSE(config.editModeSplash());
     EXPECT_EQ(config.lastUpdateVersion(), 0);
-    setErrorTrail(nullptr);
     ASSERT_EQ(trail.lines.size(), 1u);
     EXPECT_EQ(trail.lines[0][0], "cConfig.lastUpdateVersion [Get]");
 }

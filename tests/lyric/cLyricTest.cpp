@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "base/cErrorLog.h"
-#include "fakes/FakeClock.h"
+#include "fakes/CapturedTrail.h"
 #include "fakes/FakeMeasureSurface.h"
 #include "fakes/FakeRandom.h"
 #include "lyric/cMusic.h"
@@ -139,14 +138,7 @@ TEST(cLyric, ReadsPropertySections) {
         {u"", 3, false},
     };
     // A number too large for 32 bits leaves a trail line.
-    struct Trail : cErrorLog {
-        using cErrorLog::cErrorLog;
-        void Write(const std::vector<std::string>& texts) override { lines.push_back(texts); }
-        std::vector<std::vector<std::string>> lines;
-    };
-    test::FakeClock clock;
-    Trail trail(u"", clock);
-    setErrorTrail(&trail);
+    test::CapturedTrail trail;
     for (const auto& c : cases) {
         cLyric p;
         p.setMutation(3);
@@ -154,7 +146,6 @@ TEST(cLyric, ReadsPropertySections) {
         EXPECT_EQ(p.Mutation(), c.mutation);
         EXPECT_EQ(p.RightToLeft(), c.rightToLeft);
     }
-    setErrorTrail(nullptr);
     ASSERT_EQ(trail.lines.size(), 1u);
     EXPECT_EQ(trail.lines[0][0], "cLyric.Properties [Let]");
 
