@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
+#include <vector>
 
 #include "base/cErrorLog.h"
 #include "lyric/cLyric.h"
@@ -81,58 +83,74 @@ void cEventStream::Load(const std::shared_ptr<cLyric>& lyric) {
 
 // The order of events with equal times decides which of them is raised, so
 // this partition scheme and its pivot choice (the middle index rounded half to
-// even) are part of the program's behaviour. The ranges left after a partition
-// are disjoint, so sorting the smaller one first by recursion and the larger
-// one in the loop gives the same result with a stack depth of O(log n).
-void cEventStream::QuickSort(int32_t low, int32_t high) {
+// even) are part of the program's behaviour, and every list within the budget
+// (see kSortBudget) is sorted by exactly this procedure. The ranges left after
+// a partition are disjoint, so the order in which they are sorted changes
+// nothing: they wait on an explicit stack, the smaller one on top, which keeps
+// the stack at O(log n) ranges whatever the input.
+void cEventStream::QuickSort(int32_t low, int32_t high, int64_t budget) {
     Guarded("cEventStream.QuickSort", [&] {
         if (low < 0 || high >= NumEvents() || high <= low) return;
-        int32_t depth = 32;
-        for (int64_t n = int64_t{high} - low + 1; n > 1; n /= 2)
-            depth += 4;
-        SortRange(low, high, depth);
-    });
-}
+        // The times are read once: nothing can change them during the sort.
+        std::vector<int32_t> key(events_.size());
+        for (int32_t k = low; k <= high; ++k)
+            key[static_cast<size_t>(k)] = TimeAt(static_cast<size_t>(k));
+        const auto swap = [&](int32_t a, int32_t b) {
+            std::swap(events_[static_cast<size_t>(a)], events_[static_cast<size_t>(b)]);
+            std::swap(key[static_cast<size_t>(a)], key[static_cast<size_t>(b)]);
+        };
 
-// depth: partitions still allowed on the way down to any part of the range.
-// Real lyrics need about log2(n) of them; a list built to make this pivot
-// choice degrade would need n / 2 and so O(n^2) comparisons. Once the budget
-// is spent, the rest of that range is sorted stably in O(n log n) instead.
-void cEventStream::SortRange(int32_t low, int32_t high, int32_t depth) {
-    while (high > low) {
-        if (depth-- <= 0) {
-            std::stable_sort(events_.begin() + low, events_.begin() + high + 1,
-                             [](const Event& a, const Event& b) {
-                                 return (a.time ? a.time->Time() : kUnset) <
-                                        (b.time ? b.time->Time() : kUnset);
-                             });
-            return;
-        }
-        int32_t i = low, j = high;
-        const int64_t sum = int64_t{low} + high;
-        int64_t mid = sum / 2;
-        if (sum % 2 != 0 && mid % 2 != 0) ++mid;  // x.5 goes to the even neighbour
-        const Event pivot = events_[static_cast<size_t>(mid)];
-        const int32_t pivotTime = pivot.time ? pivot.time->Time() : kUnset;
-        while (i <= j) {
-            while (i < high && TimeAt(static_cast<size_t>(i)) < pivotTime)
-                ++i;
-            while (j > low && pivotTime < TimeAt(static_cast<size_t>(j)))
-                --j;
-            if (i <= j) {
-                std::swap(events_[static_cast<size_t>(i)], events_[static_cast<size_t>(j)]);
-                ++i;
-                --j;
+        int64_t spent = 0;
+        std::vector<std::pair<int32_t, int32_t>> ranges{{low, high}};
+        while (!ranges.empty()) {
+            auto [lo, hi] = ranges.back();
+            ranges.pop_back();
+            if (hi <= lo) continue;
+            if (spent > budget) {
+                // Past the budget the list was made to defeat this pivot: the
+                // rest of each range is sorted stably in O(n log n).
+                std::vector<size_t> order(static_cast<size_t>(hi - lo + 1));
+                for (size_t k = 0; k < order.size(); ++k)
+                    order[k] = static_cast<size_t>(lo) + k;
+                std::stable_sort(order.begin(), order.end(),
+                                 [&](size_t a, size_t b) { return key[a] < key[b]; });
+                std::vector<Event> sorted;
+                std::vector<int32_t> sortedKey;
+                sorted.reserve(order.size());
+                sortedKey.reserve(order.size());
+                for (size_t k : order) {
+                    sorted.push_back(std::move(events_[k]));
+                    sortedKey.push_back(key[k]);
+                }
+                for (size_t k = 0; k < order.size(); ++k) {
+                    events_[static_cast<size_t>(lo) + k] = std::move(sorted[k]);
+                    key[static_cast<size_t>(lo) + k] = sortedKey[k];
+                }
+                continue;
+            }
+            int32_t i = lo, j = hi;
+            const int64_t sum = int64_t{lo} + hi;
+            int64_t mid = sum / 2;
+            if (sum % 2 != 0 && mid % 2 != 0) ++mid;  // x.5 goes to the even neighbour
+            const int32_t pivot = key[static_cast<size_t>(mid)];
+            while (i <= j) {
+                // The bounds are never what stops a scan (the pivot, or what a
+                // swap left behind, stops it first); they keep every read in range.
+                while (++spent, i < hi && key[static_cast<size_t>(i)] < pivot)
+                    ++i;
+                while (++spent, j > lo && pivot < key[static_cast<size_t>(j)])
+                    --j;
+                if (i <= j) swap(i++, j--);
+            }
+            if (int64_t{j} - lo < int64_t{hi} - i) {
+                ranges.emplace_back(i, hi);
+                ranges.emplace_back(lo, j);
+            } else {
+                ranges.emplace_back(lo, j);
+                ranges.emplace_back(i, hi);
             }
         }
-        if (int64_t{j} - low < int64_t{high} - i) {
-            SortRange(low, j, depth);
-            low = i;
-        } else {
-            SortRange(i, high, depth);
-            high = j;
-        }
-    }
+    });
 }
 
 void cEventStream::SetNextEvent(int32_t p) {

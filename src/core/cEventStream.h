@@ -51,7 +51,14 @@ class cEventStream {
     // Building blocks of Load, open for tests and tools.
     void Clear();
     void AddEvent(int32_t line, int32_t word, const std::shared_ptr<cTime>& time);
-    void QuickSort(int32_t low, int32_t high);
+    // Partitioning a range of m events takes at most m + 3 comparisons, and
+    // each partition leaves ranges at least one event shorter, so n events
+    // take at most n(n + 1)/2 + 3n: 200,070,000 for 20,000 events. With this
+    // budget every list of up to 20,000 events is sorted exactly as the
+    // procedure says; a longer list built to defeat the middle pivot has the
+    // rest of its ranges sorted stably once the budget is spent.
+    static constexpr int64_t kSortBudget = 201'000'000;
+    void QuickSort(int32_t low, int32_t high, int64_t budget = kSortBudget);
 
   private:
     struct Event {
@@ -61,7 +68,6 @@ class cEventStream {
     };
 
     int32_t TimeAt(size_t index) const;
-    void SortRange(int32_t low, int32_t high, int32_t depth);
     void SetNextEvent(int32_t position);
     void SetPrevEvent(int32_t position);
     void Raise();
