@@ -72,23 +72,23 @@ bool cCache::SetLyric(const std::shared_ptr<cMusic>& music, const std::u16string
         // Nothing to write: leave the table and the old entry alone.
         if (text.empty() || !md_.IsOpen() || !ht_.IsOpen()) return false;
 
-        bool replacing = false;
         for (int32_t block : ht_.GetAddress(hash)) {
             if (!md_.IsFile(block, key)) continue;
-            // The old entry leaves the table before its blocks are reused, so
-            // that a program stopped half way finds it missing, never mixed
-            // with pieces of the new text.
-            md_.DelData(block, free_);
+            // The new text goes to blocks of its own and the entry is then
+            // pointed at it in its place in the table, so a program stopped
+            // half way finds the old text whole or the new one. The old
+            // blocks become free with that switch, for the next write.
+            std::vector<int32_t> freeList = free_;
+            const int32_t head = md_.SetData(freeList, key, text);
+            if (head < 1) return false;
+            md_.DelData(block, freeList);
+            free_ = std::move(freeList);
             ht_.setFreeAddress(free_);
-            ht_.DelAddress(hash, block);
-            replacing = true;
-            break;
+            return ht_.UpdateAddress(hash, block, head);
         }
 
-        // A replacement takes the place it frees: nothing else need go.
         bool evicted = false;
-        for (int32_t position = replacing ? kUnset : ht_.GetFlush(); position != kUnset;
-             position = ht_.GetFlush()) {
+        for (int32_t position = ht_.GetFlush(); position != kUnset; position = ht_.GetFlush()) {
             md_.DelData(ht_.GetAddressIndex(position), free_);
             ht_.DelAddressIndex(position);
             evicted = true;
