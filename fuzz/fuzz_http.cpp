@@ -1,7 +1,7 @@
 // Feeds arbitrary bytes to the HTTP client as a server's answer, cut into
 // pieces chosen by the first byte, and as a URL. Whatever the bytes, exactly one
-// outcome is reported, it does not depend on the cut, and a success holds
-// exactly the bytes after the headers.
+// outcome is reported, it does not depend on the cut, a success holds
+// exactly the bytes after the headers, and a failure has a printable reason.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -43,8 +43,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
             socket->answer(input.substr(at, piece));
         socket->hangUp();
         std::string whole = input;
-        const int16_t expected = TakeHttpBody(whole);
+        cNetError why;
+        const int16_t expected = TakeHttpBody(whole, why);
         if (events != 1 || state != expected || net.Data() != whole) std::abort();
+        // A failure, and only a failure, says why, in one short printable line.
+        if (net.Error() != why || (state == kInternetSuccess) == static_cast<bool>(why))
+            std::abort();
+        if (why.message.size() > 120) std::abort();
+        for (const char c : why.message) {
+            if (c < 0x20 || c > 0x7E) std::abort();
+        }
         if (state == kInternetSuccess) {
             const size_t headEnd = input.find("\r\n\r\n");
             if (headEnd == std::string::npos || input.substr(headEnd + 4) != net.Data()) {

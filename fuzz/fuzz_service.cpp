@@ -1,6 +1,7 @@
 // Arbitrary answers of the lyrics service: the answer reader must sort any
 // bytes into one result code, and the service object must raise exactly one
-// event for them whatever the envelope, the codes or the lyric body hold.
+// event for them whatever the envelope, the codes or the lyric body hold,
+// with a printable reason beside every failure.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -24,6 +25,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (answer.result == cTovalSite::kLyric && (answer.body.empty() || answer.body.front() == ':'))
         std::abort();
     if (!answer.newServer.empty() && answer.result != cTovalSite::kNotFound) std::abort();
+    // A failure, and only a failure, says why, in one short printable line.
+    const bool failed =
+        answer.result == cTovalSite::kFailure || answer.result == cTovalSite::kSqlError;
+    if (failed != static_cast<bool>(answer.error) || answer.error.message.size() > 120)
+        std::abort();
+    for (const char c : answer.error.message) {
+        if (c < 0x20 || c > 0x7E) std::abort();
+    }
 
     // The same bytes as the body of a 200 answer on the wire.
     toval::cGlobals globals;
@@ -42,7 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     socket->answer("HTTP/1.0 200 OK\r\n\r\n");
     socket->answer(std::string(text));
     socket->hangUp();
-    if (events != 1 || result != answer.result) std::abort();
+    if (events != 1 || result != answer.result || site.Error() != answer.error) std::abort();
     if (result != cTovalSite::kLyric && !site.Lyric().empty()) std::abort();
     if (answer.hasVersion && globals.lastUpdateVersion != answer.version) std::abort();
     return 0;

@@ -14,6 +14,7 @@
 #include "lyric/cMusic.h"
 #include "lyric/cTime.h"
 #include "net/cCache.h"
+#include "net/cNetError.h"
 #include "net/cTovalSite.h"
 #include "posix/cPosixLoop.h"
 #include "posix/cPosixSocket.h"
@@ -48,7 +49,9 @@ std::shared_ptr<cMusic> TrackOf(const cCliArgs& a) {
     track->setArtist(Text(a.artist));
     track->setTitle(Text(a.title));
     track->setAlbum(Text(a.album));
-    track->setMiliDuration(a.duration >= 0 ? a.duration * 1000 : kUnset);
+    // An unknown length is 0 ms, as a track record without one holds it: the
+    // service and the cache key then see 0 seconds.
+    track->setMiliDuration(a.duration >= 0 ? a.duration * 1000 : 0);
     return track;
 }
 
@@ -80,6 +83,17 @@ std::u16string Lines(const cLyric& lyric, bool words) {
         out += timed + u"\n";
     }
     return out;
+}
+
+// How long the tool waits for a whole answer. The client's own time-out ends a
+// service that falls silent while connecting or within an answer; this is the
+// limit for one that takes the request and never answers.
+int32_t AnswerLimit(int32_t timeoutMs) {
+    return timeoutMs * 6;
+}
+
+std::string NoAnswer(int32_t timeoutMs) {
+    return "no answer within " + cNetError::Seconds(AnswerLimit(timeoutMs));
 }
 
 }  // namespace
@@ -261,20 +275,17 @@ int cCliMain::Lookup(const cCliArgs& a) {
         lookup.setTime(timer);
         timer->setInterval(a.timeout);
         lookup.Load(request);
-        // The client's own time-out ends a service that falls silent while
-        // connecting or within an answer; the limit here is the backstop for
-        // one that takes the request and never answers, or trickles bytes
-        // for ever.
         if (status == kLyricWaiting) {
-            loop.RunUntil([&] { return serviceResult >= 0; }, a.timeout * 6 + 1000);
+            loop.RunUntil([&] { return serviceResult >= 0; }, AnswerLimit(a.timeout));
         }
         if (lookup.Site().ServerMoved()) {
             return Fail(kExitService, "the service moved to " +
                                           Bytes(globals.Settings.conn_Server) + "; ask it there");
         }
         if (status == kLyricWaiting) {
-            return Fail(kExitService, serviceResult < 0 ? "the lyric service did not answer"
-                                                        : "the lyric service failed");
+            if (serviceResult < 0) return Fail(kExitService, NoAnswer(a.timeout));
+            const cNetError& why = lookup.Site().Error();
+            return Fail(kExitService, why ? why.message : "the lyric service sent no lyric");
         }
         if (status == kLyricNotFound) {
             return Fail(kExitNotFound, "the lyric service has no lyric for this track");
@@ -302,16 +313,26 @@ int cCliMain::Send(const cCliArgs& a) {
     int32_t result = -1;
     site.onToval = [&](int32_t r, int32_t) { result = r; };
     site.Save(*TrackOf(a), lyric, 1);
-    loop.RunUntil([&] { return result >= 0; }, a.timeout * 6 + 1000);
+    loop.RunUntil([&] { return result >= 0; }, AnswerLimit(a.timeout));
 
+    const cNetError& why = site.Error();
     switch (result) {
         case cTovalSite::kSuccess:
             out_ << "sent: the service accepted the lyric\n";
             return kExitOk;
-        case cTovalSite::kSqlError:
-            return Fail(kExitService, "the service's database failed");
         case -1:
-            return Fail(kExitService, "the lyric service did not answer");
+            return Fail(kExitService, NoAnswer(a.timeout));
+        case cTovalSite::kSqlError:
+            return Fail(kExitService, why ? why.message : "the service's database failed");
+        case cTovalSite::kFailure:
+            // The network's reasons stand alone: the lyric never reached the
+            // service, so nobody refused it.
+            if (why && why.category != cNetError::Category::kService) {
+                return Fail(kExitService, why.message);
+            }
+            if (why)
+                return Fail(kExitService, "the lyric service refused the lyric: " + why.message);
+            [[fallthrough]];
         default:
             return Fail(kExitService, "the lyric service refused the lyric");
     }

@@ -8,6 +8,41 @@
 
 namespace toval {
 
+namespace {
+
+using Category = cNetError::Category;
+
+// "host:port" for a message; an IPv6 address goes in brackets.
+std::string Where(const std::string& host, int32_t port) {
+    const std::string name = cNetError::Printable(host);
+    return (host.find(':') != std::string::npos ? "[" + name + "]" : name) + ":" +
+           std::to_string(port);
+}
+
+// What an error number of the socket (the Winsock numbers) means for a request.
+cNetError SocketFailure(int32_t number, const std::string& description, const std::string& host,
+                        int32_t port) {
+    switch (number) {
+        case kSckHostNotFound:
+        case 11002:  // WSATRY_AGAIN: the name server did not answer
+        case 11004:  // WSANO_DATA: the name has no address
+            return {Category::kResolve, "cannot resolve " + cNetError::Printable(host)};
+        case kSckConnectionRefused:
+            return {Category::kRefused, "connection refused by " + Where(host, port)};
+        case kSckTimedOut:
+            return {Category::kTimeout, "the connection to " + Where(host, port) + " timed out"};
+        case kSckConnectionReset:
+        case 10053:  // WSAECONNABORTED
+            return {Category::kConnection, "the connection to " + Where(host, port) + " broke"};
+        default:
+            return {Category::kConnection, "the connection to " + Where(host, port) +
+                                               " failed: " + cNetError::Printable(description) +
+                                               " (" + std::to_string(number) + ")"};
+    }
+}
+
+}  // namespace
+
 cInternet::cInternet(cGlobals& globals) : globals_(globals) {}
 
 cInternet::~cInternet() {
@@ -95,20 +130,28 @@ void cInternet::Request(bool post, const std::string& url, int32_t id, const std
 
     switch (outcome) {
         case Outcome::kBadUrl: {
-            // Nothing was sent: a request still on the wire keeps its own ID.
+            // Nothing was sent: a request still on the wire keeps its own ID
+            // and its own outcome.
             const int32_t pendingId = id_;
+            cNetError pendingError = std::move(error_);
             id_ = id;
+            error_ = {Category::kBadUrl,
+                      "cannot use the address '" + cNetError::Printable(url) + "'"};
+            ErrorTrail({post ? "cInternet.postData" : "cInternet.getPage", error_.message});
             Raise(kInternetBadUrl);
             id_ = pendingId;
+            error_ = std::move(pendingError);
             return;
         }
         case Outcome::kRepeat:
             id_ = id;
+            error_ = {};
             Raise(kInternetSuccess);
             return;
         case Outcome::kFailed:
+            // Guarded has written the trail line.
             id_ = id;
-            Fail();
+            Fail({}, {Category::kInternal, "the request could not be made"});
             return;
         case Outcome::kSent:
             Send(host, port, std::move(request), id);
@@ -118,10 +161,14 @@ void cInternet::Request(bool post, const std::string& url, int32_t id, const std
 
 void cInternet::Send(const std::string& host, int32_t port, std::string request, int32_t id) {
     id_ = id;
+    error_ = {};
     if (!socket_) {
-        Fail();
+        Fail("cInternet.Send", {Category::kInternal, "no socket to send the request on"});
         return;
     }
+    host_ = host;
+    port_ = port;
+    connected_ = false;
     socket_->setTag(std::move(request));
     data_.clear();
     busy_ = true;
@@ -135,6 +182,7 @@ void cInternet::Send(const std::string& host, int32_t port, std::string request,
 
 void cInternet::ws_Sock_Connect() {
     if (!busy_ || !socket_) return;
+    connected_ = true;
     TimerOff();
     std::string text = socket_->Tag();
     socket_->setTag({});
@@ -150,19 +198,24 @@ void cInternet::ws_Sock_DataArrival(int32_t /*bytesTotal*/) {
     socket_->GetData(piece);
     // An answer past the limits is hostile or broken: stop taking it.
     const int64_t elapsed = MonotonicMs ? MonotonicMs() - sentAt_ : 0;
-    if (piece.size() > kInternetMaxAnswer - data_.size() || elapsed > kInternetMaxAnswerTime) {
-        data_.clear();
-        ws_Sock_Close();
+    if (piece.size() > kInternetMaxAnswer - data_.size()) {
+        Fail(
+            "cInternet.ws_Sock_DataArrival",
+            {Category::kTooLarge, "the answer is larger than " +
+                                      std::to_string(kInternetMaxAnswer / (1024 * 1024)) + " MiB"});
+        return;
+    }
+    if (elapsed > kInternetMaxAnswerTime) {
+        Fail("cInternet.ws_Sock_DataArrival",
+             {Category::kTimeout,
+              "the answer took longer than " + cNetError::Seconds(kInternetMaxAnswerTime)});
         return;
     }
     const bool stored = Guarded("cInternet.ws_Sock_DataArrival", false, [&] {
         data_.append(piece);
         return true;
     });
-    if (!stored) {
-        data_.clear();
-        ws_Sock_Close();
-    }
+    if (!stored) Fail({}, {Category::kInternal, "the answer could not be stored"});
 }
 
 void cInternet::ws_Sock_SendProgress(int32_t /*bytesSent*/, int32_t bytesRemaining) {
@@ -179,14 +232,14 @@ void cInternet::ws_Sock_Close() {
     busy_ = false;
     TimerOff();
     if (socket_) socket_->Close();
-    Raise(TakeHttpBody(data_));
+    const int16_t state = TakeHttpBody(data_, error_);
+    if (error_) ErrorTrail({"cInternet.ws_Sock_Close", error_.message});
+    Raise(state);
 }
 
-void cInternet::ws_Sock_Error(int32_t /*number*/, const std::string& /*description*/) {
+void cInternet::ws_Sock_Error(int32_t number, const std::string& description) {
     if (!busy_) return;
-    TimerOff();
-    data_.clear();
-    ws_Sock_Close();
+    Fail("cInternet.ws_Sock_Error", SocketFailure(number, description, host_, port_));
 }
 
 void cInternet::tmr_Timer() {
@@ -194,15 +247,25 @@ void cInternet::tmr_Timer() {
         TimerOff();
         return;
     }
-    data_.clear();
-    ws_Sock_Close();
+    const std::string period = cNetError::Seconds(timer_ ? timer_->Interval() : 0);
+    std::string message;
+    if (!connected_) {
+        message = "no connection to " + Where(host_, port_) + " within " + period;
+    } else if (data_.empty()) {
+        message = "no answer within " + period;
+    } else {
+        message = "the answer stopped for " + period;
+    }
+    Fail("cInternet.tmr_Timer", {Category::kTimeout, message});
 }
 
-void cInternet::Fail() {
+void cInternet::Fail(std::string_view procedure, cNetError error) {
     busy_ = false;
     TimerOff();
     if (socket_) socket_->Close();
     data_.clear();
+    error_ = std::move(error);
+    if (!procedure.empty()) ErrorTrail({procedure, error_.message});
     Raise(kInternetFailure);
 }
 

@@ -13,8 +13,10 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "config/cSettings.h"
+#include "net/cNetError.h"
 #include "platform/Socket.h"
 #include "platform/Timer.h"
 
@@ -42,6 +44,9 @@ class cInternet {
     const std::string& Data() const { return data_; }
     // The ID of the current (or last) request.
     int32_t ID() const { return id_; }
+    // Why the last request failed (state 1 or 3): a category and a message,
+    // also written to the error trail; no failure after state 2.
+    const cNetError& Error() const { return error_; }
 
     // Starts a GET. When url repeats the last request, force is false and the
     // last answer is still held, that answer is reported again at once.
@@ -74,7 +79,8 @@ class cInternet {
     void Request(bool post, const std::string& url, int32_t id, const std::string& body,
                  const std::string& cookie, bool force, const std::string& referer);
     void Send(const std::string& host, int32_t port, std::string request, int32_t id);
-    void Fail();
+    // Ends the request with state 3; a procedure name writes the trail line.
+    void Fail(std::string_view procedure, cNetError error);
     void Raise(int16_t state);
     void TimerOn();
     void TimerOff();
@@ -84,7 +90,12 @@ class cInternet {
     std::shared_ptr<toval::Timer> timer_;
     std::string data_;
     int32_t id_ = 0;
+    cNetError error_;
     std::string lastKey_;
+    // Where the current request connects to, and whether it got there.
+    std::string host_;
+    int32_t port_ = 0;
+    bool connected_ = false;
     // A request is on the wire; events of the controls outside one are ignored.
     bool busy_ = false;
     // When the current request was sent (MonotonicMs).

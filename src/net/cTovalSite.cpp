@@ -63,6 +63,7 @@ cTovalSite::cTovalSite(cGlobals& globals, cConfig* config)
 }
 
 void cTovalSite::Load(const cMusic& music, int32_t id, int32_t mode) {
+    error_ = {};
     Guarded("cTovalSite.Load", [&] {
         mode_ = mode == kUnset ? 2 : (mode != 0 ? 1 : 0);
         const std::string url = ScriptURL(globals_.Settings.conn_Server, kGetScript) + "?" +
@@ -73,6 +74,7 @@ void cTovalSite::Load(const cMusic& music, int32_t id, int32_t mode) {
 
 void cTovalSite::Save(const cMusic& music, const std::shared_ptr<cLyric>& lyric, int32_t id) {
     bool sent = false;
+    error_ = {};
     Guarded("cTovalSite.Save", [&] {
         if (!lyric) return;
         const std::string url = ScriptURL(globals_.Settings.conn_Server, kInsertScript);
@@ -81,16 +83,24 @@ void cTovalSite::Save(const cMusic& music, const std::shared_ptr<cLyric>& lyric,
         inet_.postData(url, id, body);
     });
     // Every request is answered once, even one that never left.
-    if (!sent) Raise(kFailure, id);
+    if (!sent) {
+        error_ = {cNetError::Category::kInternal, "there is no lyric to send"};
+        ErrorTrail({"cTovalSite.Save", error_.message});
+        Raise(kFailure, id);
+    }
 }
 
 void cTovalSite::iNet_ieEvent(int16_t state) {
     int16_t result = kFailure;
+    // The client has written the trail line of its own failures.
+    error_ = inet_.Error();
     Guarded("cTovalSite.iNet_ieEvent", [&] {
         serverMoved_ = false;
         lyric_.clear();
         if (state != kInternetSuccess) return;
         const Answer answer = ReadAnswer(inet_.Data());
+        error_ = answer.error;
+        if (error_) ErrorTrail({"cTovalSite.iNet_ieEvent", error_.message});
         if (answer.hasVersion) globals_.lastUpdateVersion = answer.version;
         if (answer.result == kLyric) {
             const cStrings& strings = Strings();
@@ -102,6 +112,9 @@ void cTovalSite::iNet_ieEvent(int16_t state) {
         }
         result = answer.result;
     });
+    if (result == kFailure && !error_) {
+        error_ = {cNetError::Category::kInternal, "the service's answer could not be read"};
+    }
     Raise(result, inet_.ID());
 }
 
@@ -125,18 +138,26 @@ bool cTovalSite::AnnouncedVersion(std::string_view data, int32_t& version) {
 }
 
 cTovalSite::Answer cTovalSite::ReadAnswer(std::string_view data) {
+    using Category = cNetError::Category;
     Answer answer;
     answer.hasVersion = AnnouncedVersion(data, answer.version);
-    const std::string_view body = Envelope(data);
+    std::string_view body;
+    const bool enveloped = Between(data, kEnvelopeOpen, kEnvelopeClose, body);
     answer.body.assign(body);
-    if (body.empty()) {
+    if (!enveloped) {
         answer.result = kFailure;
+        answer.error = {Category::kBadAnswer, "the service's answer holds no <TOVAL> envelope"};
+    } else if (body.empty()) {
+        answer.result = kFailure;
+        answer.error = {Category::kBadAnswer, "the service's answer is empty"};
     } else if (body.front() != ':') {
         answer.result = kLyric;
     } else if (body == ":SUCCESS") {
         answer.result = kSuccess;
     } else if (body == ":SQL_CONNECTION_ERROR" || body == ":SQL_ERROR") {
         answer.result = kSqlError;
+        answer.error = {Category::kService,
+                        "the service's database failed ('" + answer.body + "')"};
     } else if (body == ":NOUPDATES") {
         answer.result = kNoUpdates;
     } else if (body == ":NOTFOUND") {
@@ -146,6 +167,8 @@ cTovalSite::Answer cTovalSite::ReadAnswer(std::string_view data) {
         answer.newServer.assign(body.substr(kUpdateServer.size()));
     } else {
         answer.result = kFailure;
+        answer.error = {Category::kService,
+                        "the service answered '" + cNetError::Printable(body) + "'"};
     }
     return answer;
 }

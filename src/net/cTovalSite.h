@@ -31,6 +31,7 @@
 
 #include "config/cSettings.h"
 #include "net/cInternet.h"
+#include "net/cNetError.h"
 #include "net/iLyricSender.h"
 #include "platform/Socket.h"
 #include "platform/Timer.h"
@@ -60,6 +61,7 @@ class cTovalSite : public iLyricSender {
         std::string newServer;  // after ":UPDATESERVER:", else empty
         bool hasVersion = false;
         int32_t version = 0;  // from <LLV>...</LLV> when hasVersion
+        cNetError error;      // why the answer is a failure (results 2 and 5)
     };
 
     // config: saves the settings group after the service named a new server;
@@ -90,6 +92,10 @@ class cTovalSite : public iLyricSender {
     int32_t Mode() const { return mode_; }
     // The last result 4 came from ":UPDATESERVER:" rather than ":NOTFOUND".
     bool ServerMoved() const { return serverMoved_; }
+    // Why the last request failed (results 2 and 5): the network's reason or
+    // the service's; no failure after any other result. The reason has its
+    // line in the error trail.
+    const cNetError& Error() const { return error_; }
     cInternet& Internet() { return inet_; }
 
     // --- the protocol, without the wire ---
@@ -123,6 +129,7 @@ class cTovalSite : public iLyricSender {
     std::u16string lyric_;
     int32_t mode_ = 0;
     bool serverMoved_ = false;
+    cNetError error_;
 };
 
 }  // namespace toval

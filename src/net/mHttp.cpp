@@ -1,6 +1,7 @@
 #include "net/mHttp.h"
 
 #include "base/mNumber.h"
+#include "net/cNetError.h"
 
 namespace toval {
 
@@ -115,14 +116,27 @@ std::string HttpRequestText(bool post, bool proxy, std::string_view target, std:
 }
 
 int16_t TakeHttpBody(std::string& data) {
+    cNetError why;
+    return TakeHttpBody(data, why);
+}
+
+int16_t TakeHttpBody(std::string& data, cNetError& why) {
+    using Category = cNetError::Category;
+    why = {};
     const size_t lineEnd = data.find("\r\n");
-    if (lineEnd != std::string::npos &&
-        std::string_view(data).substr(0, lineEnd).find("200 OK") != std::string_view::npos) {
-        const size_t headEnd = data.find("\r\n\r\n");
-        if (headEnd != std::string::npos) {
-            data.erase(0, headEnd + 4);
-            return 2;
-        }
+    const std::string_view first = std::string_view(data).substr(0, lineEnd);
+    if (data.empty()) {
+        why = {Category::kBadAnswer, "the service closed the connection without answering"};
+    } else if (lineEnd == std::string::npos) {
+        why = {Category::kBadAnswer,
+               "the service's answer is not HTTP: '" + cNetError::Printable(first) + "'"};
+    } else if (first.find("200 OK") == std::string_view::npos) {
+        why = {Category::kStatus, "the service answered '" + cNetError::Printable(first) + "'"};
+    } else if (const size_t headEnd = data.find("\r\n\r\n"); headEnd != std::string::npos) {
+        data.erase(0, headEnd + 4);
+        return 2;
+    } else {
+        why = {Category::kBadAnswer, "the service's answer ends inside its headers"};
     }
     data.clear();
     return 3;

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "net/cNetError.h"
+
 namespace toval {
 
 // Splits "scheme://host/path" into the host part (everything between the first
@@ -30,5 +32,8 @@ std::string HttpRequestText(bool post, bool proxy, std::string_view target, std:
 // and a CR LF CR LF ends the headers, data keeps only the body and the result
 // is 2; otherwise data is emptied and the result is 3.
 int16_t TakeHttpBody(std::string& data);
+// The same, and on a failure why: no answer at all, not HTTP, a status other
+// than "200 OK" (quoting the first line), or no end of the headers.
+int16_t TakeHttpBody(std::string& data, cNetError& why);
 
 }  // namespace toval

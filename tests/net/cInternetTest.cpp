@@ -6,16 +6,20 @@
 #include <string>
 #include <vector>
 
+#include "fakes/CapturedTrail.h"
 #include "fakes/FakeSocket.h"
 #include "fakes/FakeTimer.h"
 
 namespace toval::test {
 namespace {
 
+using Category = cNetError::Category;
+
 struct Event {
     int16_t state;
     int32_t id;
     std::string data;
+    cNetError error;
 };
 
 class InternetTest : public ::testing::Test {
@@ -23,7 +27,9 @@ class InternetTest : public ::testing::Test {
     InternetTest() {
         net.setSocket(socket);
         net.setTime(timer);
-        net.onieEvent = [this](int16_t state) { events.push_back({state, net.ID(), net.Data()}); };
+        net.onieEvent = [this](int16_t state) {
+            events.push_back({state, net.ID(), net.Data(), net.Error()});
+        };
     }
 
     void useProxy(const std::u16string& host, int32_t port) {
@@ -138,6 +144,7 @@ TEST_F(InternetTest, UrlsGiveHostPortAndTargetOrAreRejected) {
             ASSERT_EQ(events.size(), 1u);
             EXPECT_EQ(events[0].state, kInternetBadUrl);
             EXPECT_EQ(events[0].id, 42);
+            EXPECT_EQ(events[0].error.category, Category::kBadUrl);
             EXPECT_TRUE(socket->connects.empty());
             continue;
         }
@@ -157,6 +164,8 @@ TEST_F(InternetTest, BadUrlLeavesARequestOnTheWireAlone) {
     net.getPage("no-slashes", 2);
     ASSERT_EQ(events.size(), 1u);
     EXPECT_EQ(events[0].id, 2);
+    EXPECT_EQ(events[0].error,
+              (cNetError{Category::kBadUrl, "cannot use the address 'no-slashes'"}));
     EXPECT_EQ(net.ID(), 1);
     socket->answer("HTTP/1.0 200 OK\r\n\r\nbody");
     socket->hangUp();
@@ -164,6 +173,7 @@ TEST_F(InternetTest, BadUrlLeavesARequestOnTheWireAlone) {
     EXPECT_EQ(events[1].state, kInternetSuccess);
     EXPECT_EQ(events[1].id, 1);
     EXPECT_EQ(events[1].data, "body");
+    EXPECT_FALSE(events[1].error);
 }
 
 TEST_F(InternetTest, ProxyGetsTheWholeUrlAndTheRepeatShortcutNeverFires) {
@@ -184,23 +194,38 @@ TEST_F(InternetTest, ProxyGetsTheWholeUrlAndTheRepeatShortcutNeverFires) {
 TEST_F(InternetTest, AnswersAreJudgedByTheirFirstLineInEverySplit) {
     struct Case {
         std::string answer;
-        int16_t state;
-        std::string body;
+        std::string body;  // the body of a success
+        cNetError error;   // the reason of a failure
     };
+    const std::string status = "the service answered ";
     const std::vector<Case> cases = {
         {"HTTP/1.0 200 OK\r\nContent-Type: text/plain\r\nX: y\r\n\r\nline 1\r\n\r\nline 2",
-         kInternetSuccess, "line 1\r\n\r\nline 2"},
-        {"HTTP/1.1 200 OK\r\n\r\n", kInternetSuccess, ""},
-        {"junk 200 OK junk\r\n\r\nb", kInternetSuccess, "b"},
-        {"HTTP/1.0 404 Not Found\r\n\r\nmissing", kInternetFailure, ""},
-        {"HTTP/1.0 301 Moved\r\nLocation: http://h/\r\n\r\n", kInternetFailure, ""},
-        {"HTTP/1.0 200 ok\r\n\r\nb", kInternetFailure, ""},
-        {"HTTP/1.0 200 OK", kInternetFailure, ""},
-        {"HTTP/1.0 200 OK\r\nX: y\r\nbody without end of headers", kInternetFailure, ""},
-        {"HTTP/1.0 500 Error\r\n200 OK\r\n\r\nb", kInternetFailure, ""},
-        {"", kInternetFailure, ""},
-        {std::string("HTTP/1.0 200 OK\r\n\r\n\0\xff\x01", 22), kInternetSuccess,
-         std::string("\0\xff\x01", 3)},
+         "line 1\r\n\r\nline 2",
+         {}},
+        {"HTTP/1.1 200 OK\r\n\r\n", "", {}},
+        {"junk 200 OK junk\r\n\r\nb", "b", {}},
+        {std::string("HTTP/1.0 200 OK\r\n\r\n\0\xff\x01", 22), std::string("\0\xff\x01", 3), {}},
+        {"HTTP/1.0 404 Not Found\r\n\r\nmissing",
+         "",
+         {Category::kStatus, status + "'HTTP/1.0 404 Not Found'"}},
+        {"HTTP/1.0 301 Moved\r\nLocation: http://h/\r\n\r\n",
+         "",
+         {Category::kStatus, status + "'HTTP/1.0 301 Moved'"}},
+        {"HTTP/1.0 200 ok\r\n\r\nb", "", {Category::kStatus, status + "'HTTP/1.0 200 ok'"}},
+        {"HTTP/1.0 500 Error\r\n200 OK\r\n\r\nb",
+         "",
+         {Category::kStatus, status + "'HTTP/1.0 500 Error'"}},
+        // A hostile first line is quoted printable and short.
+        {"HTTP/1.0 500 \x1b[31m\xff" + std::string(100, 'x') + "\r\n\r\n",
+         "",
+         {Category::kStatus, status + "'HTTP/1.0 500 ?[31m?" + std::string(41, 'x') + "...'"}},
+        {"HTTP/1.0 200 OK",
+         "",
+         {Category::kBadAnswer, "the service's answer is not HTTP: 'HTTP/1.0 200 OK'"}},
+        {"HTTP/1.0 200 OK\r\nX: y\r\nbody without end of headers",
+         "",
+         {Category::kBadAnswer, "the service's answer ends inside its headers"}},
+        {"", "", {Category::kBadAnswer, "the service closed the connection without answering"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.answer);
@@ -213,12 +238,20 @@ TEST_F(InternetTest, AnswersAreJudgedByTheirFirstLineInEverySplit) {
             splits.push_back({c.answer.substr(0, cut), c.answer.substr(cut)});
         }
         for (const auto& pieces : splits) {
+            CapturedTrail trail;
             events.clear();
             fetch("http://h/", pieces);
             ASSERT_EQ(events.size(), 1u);
-            EXPECT_EQ(events[0].state, c.state);
+            EXPECT_EQ(events[0].state, c.error ? kInternetFailure : kInternetSuccess);
             EXPECT_EQ(events[0].data, c.body);
             EXPECT_EQ(net.Data(), c.body);
+            EXPECT_EQ(events[0].error, c.error);
+            // One trail line for each failure.
+            ASSERT_EQ(trail.lines.size(), c.error ? 1u : 0u);
+            if (c.error) {
+                EXPECT_EQ(trail.lines[0],
+                          (std::vector<std::string>{"cInternet.ws_Sock_Close", c.error.message}));
+            }
         }
     }
 }
@@ -277,10 +310,13 @@ TEST_F(InternetTest, TimerGuardsEveryStepAndItsTickFails) {
     EXPECT_TRUE(timer->enabled);
     EXPECT_GT(timer->enableChanges, before);  // restarted by the piece
     const int closesBefore = socket->closes;
+    CapturedTrail trail;
     EXPECT_TRUE(timer->tick());
     ASSERT_EQ(events.size(), 1u);
     EXPECT_EQ(events[0].state, kInternetFailure);
     EXPECT_EQ(events[0].data, "");
+    EXPECT_EQ(events[0].error, (cNetError{Category::kTimeout, "the answer stopped for 10 s"}));
+    EXPECT_TRUE(trail.Has("cInternet.tmr_Timer ; the answer stopped for 10 s"));
     EXPECT_FALSE(timer->enabled);
     EXPECT_GT(socket->closes, closesBefore);
     // Late events of the dropped connection change nothing.
@@ -289,22 +325,56 @@ TEST_F(InternetTest, TimerGuardsEveryStepAndItsTickFails) {
     socket->fail();
     EXPECT_EQ(events.size(), 1u);
     EXPECT_EQ(net.Data(), "");
+    // Silence before the connection stands names the host; silence while
+    // sending, before any answer, is no answer.
+    timer->setInterval(2500);
+    net.getPage("http://h:8080/", 2);
+    EXPECT_TRUE(timer->tick());
+    EXPECT_EQ(events.back().error,
+              (cNetError{Category::kTimeout, "no connection to h:8080 within 2.5 s"}));
+    net.getPage("http://h:8080/", 3);
+    socket->accept();
+    EXPECT_TRUE(timer->tick());
+    EXPECT_EQ(events.back().error, (cNetError{Category::kTimeout, "no answer within 2.5 s"}));
 }
 
-TEST_F(InternetTest, SocketErrorsFailOnceInEveryPhase) {
-    for (int phase = 0; phase < 3; ++phase) {
-        events.clear();
-        net.getPage("http://h/", phase, "", true);
-        if (phase >= 1) socket->accept();
-        if (phase >= 2) socket->answer("HTTP/1.0 200 OK\r\n\r\npartial");
-        socket->fail(kSckConnectionReset, "reset");
-        socket->hangUp();  // an adapter that also reports the close
-        ASSERT_EQ(events.size(), 1u) << phase;
-        EXPECT_EQ(events[0].state, kInternetFailure);
-        EXPECT_EQ(events[0].id, phase);
-        EXPECT_EQ(net.Data(), "");
-        EXPECT_FALSE(timer->enabled);
+TEST_F(InternetTest, SocketErrorsFailOnceInEveryPhaseAndSayWhy) {
+    const struct {
+        int32_t number;
+        cNetError error;
+    } cases[] = {
+        {kSckHostNotFound, {Category::kResolve, "cannot resolve lyrics.invalid"}},
+        {kSckConnectionRefused, {Category::kRefused, "connection refused by lyrics.invalid:8080"}},
+        {kSckTimedOut, {Category::kTimeout, "the connection to lyrics.invalid:8080 timed out"}},
+        {kSckConnectionReset,
+         {Category::kConnection, "the connection to lyrics.invalid:8080 broke"}},
+        {10050,
+         {Category::kConnection, "the connection to lyrics.invalid:8080 failed: down?? (10050)"}},
+    };
+    for (const auto& c : cases) {
+        for (int phase = 0; phase < 3; ++phase) {
+            CapturedTrail trail;
+            events.clear();
+            net.getPage("http://lyrics.invalid:8080/", phase, "", true);
+            if (phase >= 1) socket->accept();
+            if (phase >= 2) socket->answer("HTTP/1.0 200 OK\r\n\r\npartial");
+            socket->fail(c.number, "down\x7f\n");
+            socket->hangUp();  // an adapter that also reports the close
+            ASSERT_EQ(events.size(), 1u) << phase;
+            EXPECT_EQ(events[0].state, kInternetFailure);
+            EXPECT_EQ(events[0].id, phase);
+            EXPECT_EQ(events[0].error, c.error);
+            EXPECT_EQ(trail.lines, (std::vector<std::vector<std::string>>{
+                                       {"cInternet.ws_Sock_Error", c.error.message}}));
+            EXPECT_EQ(net.Data(), "");
+            EXPECT_FALSE(timer->enabled);
+        }
     }
+    // Through a proxy the reason names the proxy; an IPv6 address goes in brackets.
+    useProxy(u"::1", 3128);
+    net.getPage("http://h/", 1);
+    socket->fail(kSckConnectionRefused);
+    EXPECT_EQ(events.back().error.message, "connection refused by [::1]:3128");
 }
 
 TEST_F(InternetTest, AnswerPastTheLimitFailsWithoutGrowing) {
@@ -316,6 +386,7 @@ TEST_F(InternetTest, AnswerPastTheLimitFailsWithoutGrowing) {
         socket->answer(piece);
     ASSERT_EQ(events.size(), 1u);
     EXPECT_EQ(events[0].state, kInternetFailure);
+    EXPECT_EQ(events[0].error, (cNetError{Category::kTooLarge, "the answer is larger than 4 MiB"}));
     EXPECT_EQ(net.Data(), "");
     // An answer of exactly the limit is still taken.
     const std::string head = "HTTP/1.0 200 OK\r\n\r\n";
@@ -342,6 +413,7 @@ TEST_F(InternetTest, AnswerTricklingPastTheTimeLimitFails) {
     // ...but not the limit on the whole answer.
     ASSERT_EQ(events.size(), 1u);
     EXPECT_EQ(events[0].state, kInternetFailure);
+    EXPECT_EQ(events[0].error, (cNetError{Category::kTimeout, "the answer took longer than 60 s"}));
     EXPECT_EQ(net.Data(), "");
     // The next request gets the whole time again.
     fetch("http://h/again", {"HTTP/1.0 200 OK\r\n\r\nbody"});
@@ -403,6 +475,8 @@ TEST_F(InternetTest, WithoutASocketARequestFails) {
     bare.getPage("http://h/", 1);
     bare.getPage("http://h", 2);
     EXPECT_EQ(states, (std::vector<int16_t>{kInternetFailure, kInternetBadUrl}));
+    bare.getPage("http://h/", 3);
+    EXPECT_EQ(bare.Error().category, Category::kInternal);
 }
 
 }  // namespace

@@ -5,36 +5,56 @@
 namespace toval {
 namespace {
 
-TEST(cTovalSiteAnswer, SortsEnvelopeBodiesIntoResultCodes) {
+TEST(cTovalSiteAnswer, SortsEnvelopeBodiesIntoResultCodesAndSaysWhyOnFailure) {
+    using C = cNetError::Category;
+    const std::string noEnvelope = "the service's answer holds no <TOVAL> envelope";
     const struct {
         const char* data;
         int16_t result;
+        cNetError error;
     } cases[] = {
-        {"<TOVAL>:SUCCESS</TOVAL>", cTovalSite::kSuccess},
-        {"<TOVAL>:SQL_ERROR</TOVAL>", cTovalSite::kSqlError},
-        {"<TOVAL>:SQL_CONNECTION_ERROR</TOVAL>", cTovalSite::kSqlError},
-        {"<TOVAL>:NOUPDATES</TOVAL>", cTovalSite::kNoUpdates},
-        {"<TOVAL>:NOTFOUND</TOVAL>", cTovalSite::kNotFound},
-        {"<TOVAL>:UPDATESERVER:lyrics.example</TOVAL>", cTovalSite::kNotFound},
-        {"<TOVAL>[1000]Hello</TOVAL>", cTovalSite::kLyric},
-        {"<html><TOVAL>x</TOVAL></html>", cTovalSite::kLyric},
+        {"<TOVAL>:SUCCESS</TOVAL>", cTovalSite::kSuccess, {}},
+        {"<TOVAL>:SQL_ERROR</TOVAL>",
+         cTovalSite::kSqlError,
+         {C::kService, "the service's database failed (':SQL_ERROR')"}},
+        {"<TOVAL>:SQL_CONNECTION_ERROR</TOVAL>",
+         cTovalSite::kSqlError,
+         {C::kService, "the service's database failed (':SQL_CONNECTION_ERROR')"}},
+        {"<TOVAL>:NOUPDATES</TOVAL>", cTovalSite::kNoUpdates, {}},
+        {"<TOVAL>:NOTFOUND</TOVAL>", cTovalSite::kNotFound, {}},
+        {"<TOVAL>:UPDATESERVER:lyrics.example</TOVAL>", cTovalSite::kNotFound, {}},
+        {"<TOVAL>[1000]Hello</TOVAL>", cTovalSite::kLyric, {}},
+        {"<html><TOVAL>x</TOVAL></html>", cTovalSite::kLyric, {}},
         // Codes are compared whole and case-sensitively.
-        {"<TOVAL>:notfound</TOVAL>", cTovalSite::kFailure},
-        {"<TOVAL>:NOTFOUND </TOVAL>", cTovalSite::kFailure},
-        {"<TOVAL>:SUCCESSFUL</TOVAL>", cTovalSite::kFailure},
-        {"<TOVAL>:UPDATESERVER:</TOVAL>", cTovalSite::kFailure},
-        {"<TOVAL>:</TOVAL>", cTovalSite::kFailure},
-        {"<TOVAL>:SOMETHING</TOVAL>", cTovalSite::kFailure},
+        {"<TOVAL>:notfound</TOVAL>",
+         cTovalSite::kFailure,
+         {C::kService, "the service answered ':notfound'"}},
+        {"<TOVAL>:NOTFOUND </TOVAL>",
+         cTovalSite::kFailure,
+         {C::kService, "the service answered ':NOTFOUND '"}},
+        {"<TOVAL>:SUCCESSFUL</TOVAL>",
+         cTovalSite::kFailure,
+         {C::kService, "the service answered ':SUCCESSFUL'"}},
+        {"<TOVAL>:UPDATESERVER:</TOVAL>",
+         cTovalSite::kFailure,
+         {C::kService, "the service answered ':UPDATESERVER:'"}},
+        {"<TOVAL>:\x1b\n</TOVAL>",
+         cTovalSite::kFailure,
+         {C::kService,
+          "the service answered ':?"
+          "?'"}},
         // Broken envelopes.
-        {"", cTovalSite::kFailure},
-        {"<TOVAL></TOVAL>", cTovalSite::kFailure},
-        {"<TOVAL>:SUCCESS", cTovalSite::kFailure},
-        {":SUCCESS</TOVAL>", cTovalSite::kFailure},
-        {"</TOVAL><TOVAL>:SUCCESS", cTovalSite::kFailure},
-        {"<toval>:SUCCESS</toval>", cTovalSite::kFailure},
+        {"", cTovalSite::kFailure, {C::kBadAnswer, noEnvelope}},
+        {"<TOVAL></TOVAL>", cTovalSite::kFailure, {C::kBadAnswer, "the service's answer is empty"}},
+        {"<TOVAL>:SUCCESS", cTovalSite::kFailure, {C::kBadAnswer, noEnvelope}},
+        {":SUCCESS</TOVAL>", cTovalSite::kFailure, {C::kBadAnswer, noEnvelope}},
+        {"</TOVAL><TOVAL>:SUCCESS", cTovalSite::kFailure, {C::kBadAnswer, noEnvelope}},
+        {"<toval>:SUCCESS</toval>", cTovalSite::kFailure, {C::kBadAnswer, noEnvelope}},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(cTovalSite::ReadAnswer(c.data).result, c.result) << c.data;
+        const auto answer = cTovalSite::ReadAnswer(c.data);
+        EXPECT_EQ(answer.result, c.result) << c.data;
+        EXPECT_EQ(answer.error, c.error) << c.data;
     }
 }
 

@@ -9,6 +9,7 @@
 #include "base/mFile.h"
 #include "config/cConfig.h"
 #include "config/cIniEngine.h"
+#include "fakes/CapturedTrail.h"
 #include "fakes/FakeShell.h"
 #include "fakes/FakeSocket.h"
 #include "fakes/FakeTimer.h"
@@ -22,6 +23,7 @@ namespace {
 struct Raised {
     int32_t result, id;
     std::u16string lyric;
+    cNetError error;
 };
 
 class TovalSiteTest : public ::testing::Test {
@@ -31,7 +33,7 @@ class TovalSiteTest : public ::testing::Test {
         site.setSocket(socket);
         site.setTime(timer);
         site.onToval = [this](int32_t result, int32_t id) {
-            raised.push_back({result, id, site.Lyric()});
+            raised.push_back({result, id, site.Lyric(), site.Error()});
         };
         music.setArtist(u"Ann & Bo");
         music.setAlbum(u"");
@@ -164,10 +166,12 @@ TEST_F(TovalSiteTest, AnswersBecomeOneEventWithTheRequestId) {
     EXPECT_EQ(raised.back().result, 4);
     EXPECT_EQ(site.Lyric(), u"");
 
-    // Failures on the wire.
+    // Failures on the wire and of the service: result 5 (2 for the
+    // database) with the reason beside it, and one trail line each.
+    CapturedTrail trail;
     raised.clear();
     site.Load(music, 50, 50);
-    socket->fail();
+    socket->fail(kSckHostNotFound);
     site.Load(music, 51, 51);
     socket->accept();
     socket->answer("HTTP/1.0 404 Not Found\r\n\r\n<TOVAL>[1]x</TOVAL>");
@@ -175,11 +179,27 @@ TEST_F(TovalSiteTest, AnswersBecomeOneEventWithTheRequestId) {
     site.Load(music, 52, 52);
     socket->accept();
     timer->tick();
-    ASSERT_EQ(raised.size(), 3u);
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(raised[i].result, 5);
-        EXPECT_EQ(raised[i].id, 50 + i);
+    site.Load(music, 53, 53);
+    answer("<TOVAL>:SQL_ERROR</TOVAL>");
+    site.Load(music, 54, 54);
+    answer("<p>maintenance</p>");
+    site.Save(music, nullptr, 55);
+    using C = cNetError::Category;
+    const std::vector<std::pair<int32_t, C>> expected = {{5, C::kResolve},   {5, C::kStatus},
+                                                         {5, C::kTimeout},   {2, C::kService},
+                                                         {5, C::kBadAnswer}, {5, C::kInternal}};
+    ASSERT_EQ(raised.size(), expected.size());
+    for (size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(raised[i].result, expected[i].first) << i;
+        EXPECT_EQ(raised[i].id, static_cast<int32_t>(50 + i));
+        EXPECT_EQ(raised[i].error.category, expected[i].second) << i;
     }
+    EXPECT_EQ(raised[0].error.message, "cannot resolve lyrics.test");
+    EXPECT_EQ(trail.lines.size(), 6u);
+    // Success clears the reason.
+    site.Load(music, 56, 56);
+    answer("<TOVAL>:NOTFOUND</TOVAL>");
+    EXPECT_FALSE(site.Error());
     EXPECT_EQ(globals.Settings.conn_Server, u"lyrics.test");
 }
 

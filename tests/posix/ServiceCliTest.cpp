@@ -173,8 +173,10 @@ TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
         const char* says;
     } cases[] = {
         {Behaviour::kNormal, kExitNotFound, "no lyric for this track"},
-        {Behaviour::kSqlError, kExitService, "failed"},
-        {Behaviour::kBrokenEnvelope, kExitService, "failed"},
+        {Behaviour::kSqlError, kExitService, "the service's database failed (':SQL_ERROR')"},
+        {Behaviour::kBrokenEnvelope, kExitService, "no <TOVAL> envelope"},
+        {Behaviour::kServerError, kExitService,
+         "the service answered 'HTTP/1.0 500 Internal Server Error'"},
         {Behaviour::kMoved, kExitService, "moved to elsewhere.test"},
     };
     for (const auto& c : cases) {
@@ -184,13 +186,24 @@ TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
         EXPECT_EQ(o.code, c.code) << c.says;
         EXPECT_NE(o.err.find(c.says), std::string::npos) << o.err;
     }
+    // Failures on the way say why.
     service.setBehaviour(Behaviour::kEndless);
-    o = Tool({"lookup", none, "--title", "Nothing", "--cache", cache.path().string(), "--server",
-              server, "--timeout", "300"});
-    EXPECT_EQ(o.code, kExitService);
     const std::string closed = "127.0.0.1:" + std::to_string(LoopbackServer::ClosedPort());
-    EXPECT_EQ(Tool({"lookup", none, "--cache", cache.path().string(), "--server", closed}).code,
-              kExitService);
+    const struct {
+        std::string server, timeout, says;
+    } failures[] = {
+        {server, "300", "the answer stopped for 0.3 s"},
+        {closed, "1000", "connection refused by " + closed},
+        {"lyrics.invalid", "1000", "cannot resolve lyrics.invalid"},
+    };
+    for (const auto& f : failures) {
+        o = Tool({"lookup", none, "--cache", cache.path().string(), "--server", f.server,
+                  "--timeout", f.timeout});
+        EXPECT_EQ(o.code, kExitService);
+        EXPECT_EQ(o.err, "toval-lyric: " + f.says + "\n");
+    }
+    // Without --duration the service is sent 0 seconds.
+    EXPECT_EQ(service.Requests().back().Value("dur"), "0");
 }
 
 TEST(ServiceCli, SendReportsWhatTheServiceSaid) {
@@ -211,6 +224,12 @@ TEST(ServiceCli, SendReportsWhatTheServiceSaid) {
     EXPECT_NE(o.err.find("database"), std::string::npos);
     service.setBehaviour(Behaviour::kServerError);
     EXPECT_EQ(Tool(send).code, kExitService);
+    // Nobody listening refused nothing.
+    std::vector<std::string> closed = send;
+    closed[3] = "127.0.0.1:" + std::to_string(LoopbackServer::ClosedPort());
+    o = Tool(closed);
+    EXPECT_EQ(o.code, kExitService);
+    EXPECT_EQ(o.err, "toval-lyric: connection refused by " + closed[3] + "\n");
 
     TempDir dir;
     Write(dir.path() / "empty.tvl", "");
