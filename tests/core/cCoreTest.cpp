@@ -5,64 +5,15 @@
 #include <string>
 #include <vector>
 
-#include "core/FakeLyricSource.h"
-#include "core/RecordingDisplay.h"
+#include "core/ControllerRig.h"
 #include "core/cEventStream.h"
-#include "core/cPlugin.h"
-#include "display/cDisplay.h"
-#include "fakes/FakeDrawSurface.h"
-#include "fakes/FakeMeasureSurface.h"
-#include "fakes/FakePluginChannel.h"
-#include "fakes/FakeRandom.h"
-#include "fakes/FakeShell.h"
-#include "fakes/FakeTimer.h"
 #include "lyric/cLyric.h"
 #include "lyric/cMusic.h"
 
 namespace toval::test {
 namespace {
 
-struct Rig {
-    cGlobals globals;
-    FakeShell shell;
-    FakeRandom random{{0.5}};
-    FakeTimer timer;
-    FakePluginChannel channel;
-    FakeDrawSurface surface;
-    FakeMeasureSurface measure;
-    std::shared_ptr<FakeLyricSource> source = std::make_shared<FakeLyricSource>();
-    cPlugin plugin{globals, channel, shell,
-                   [](std::u16string_view key) { return u"<" + std::u16string(key) + u">"; }};
-    RecordingDisplay display{globals, surface, shell};
-    std::shared_ptr<cCore> core;
-    int closes = 0;
-
-    Rig() {
-        core = std::make_shared<cCore>(globals, shell, random, source, [](std::u16string_view key) {
-            return u"msg " + std::u16string(key);
-        });
-        core->setTray(&display);
-        core->setAuxPictureBox(&measure);
-        core->setPlugin(&plugin);
-        core->setTimer(&timer);
-        plugin.setPluginHwnd(0x99);
-        plugin.setCore(core);
-        plugin.onCloseProgram = [this] { ++closes; };
-    }
-    ~Rig() {
-        plugin.setCore(nullptr);
-        core->setTimer(nullptr);
-    }
-    // Wakes the plug-in up and announces a track at playlist position pos.
-    void Playing(int32_t pos, std::u16string lyric, int32_t status = kLyricLocal) {
-        timer.tick();  // wake-up
-        channel.playlistPosition = pos;
-        core->PluginEvent(kEventNewTrack);
-        timer.tick();  // lookup
-        source->text = std::move(lyric);
-        source->Answer(pos, status);
-    }
-};
+using Rig = ControllerRig;
 
 TEST(cCore, WakesThePluginThenPolls) {
     Rig r;
@@ -92,7 +43,7 @@ TEST(cCore, WakesThePluginThenPolls) {
     EXPECT_EQ(ok.channel.Count(kCmdPosition), 2);
     EXPECT_EQ(ok.channel.sent.size(), 2u);
     EXPECT_EQ(ok.globals.PlayPosition, 1234);
-    EXPECT_TRUE(ok.source->loads.empty());
+    EXPECT_TRUE(ok.fake->loads.empty());
 }
 
 TEST(cCore, NewTrackIsLookedUpOnTheNextTickAndPlayed) {
@@ -109,18 +60,17 @@ TEST(cCore, NewTrackIsLookedUpOnTheNextTickAndPlayed) {
     EXPECT_TRUE(r.timer.enabled);
 
     r.timer.tick();
-    EXPECT_EQ(r.source->loads, (std::vector<int32_t>{7}));
+    EXPECT_EQ(r.fake->loads, (std::vector<int32_t>{7}));
     EXPECT_FALSE(r.core->LoadPending());
     EXPECT_FALSE(r.core->LyricActive());
     r.timer.tick();  // loading: polls only
-    EXPECT_EQ(r.source->loads.size(), 1u);
+    EXPECT_EQ(r.fake->loads.size(), 1u);
 
-    r.source->text =
-        u"[PROPERTY]\r\nMUTATION:42\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY][1000]a\r\n[2000]b";
+    r.fake->text = u"[PROPERTY]\r\nMUTATION:42\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY][1000]a\r\n[2000]b";
     // The stream is rebuilt with the timer off; messages pumped meanwhile see it off.
     bool timerDuringPump = true;
     r.shell.onDoEvents = [&] { timerDuringPump = r.timer.enabled; };
-    r.source->Answer(7, kLyricLocal);
+    r.fake->Answer(7, kLyricLocal);
     EXPECT_FALSE(timerDuringPump);
     EXPECT_TRUE(r.core->LyricActive());
     EXPECT_TRUE(r.timer.enabled);
@@ -129,10 +79,10 @@ TEST(cCore, NewTrackIsLookedUpOnTheNextTickAndPlayed) {
     ASSERT_TRUE(r.core->Stream());
     EXPECT_EQ(r.core->Stream()->NumEvents(), 2);
     // A local hit asks the service for a newer version of the same lyric.
-    ASSERT_EQ(r.source->loadFroms.size(), 1u);
-    EXPECT_EQ(r.source->loadFroms[0].source, 2);
-    EXPECT_EQ(r.source->loadFroms[0].requestId, 7);
-    EXPECT_EQ(r.source->loadFroms[0].mutation, 42);
+    ASSERT_EQ(r.fake->loadFroms.size(), 1u);
+    EXPECT_EQ(r.fake->loadFroms[0].source, 2);
+    EXPECT_EQ(r.fake->loadFroms[0].requestId, 7);
+    EXPECT_EQ(r.fake->loadFroms[0].mutation, 42);
 
     r.channel.position = 1500;
     r.timer.tick();
@@ -140,9 +90,9 @@ TEST(cCore, NewTrackIsLookedUpOnTheNextTickAndPlayed) {
 
     // Other outcomes do not ask again.
     for (int32_t status : {kLyricLocalSimple, kLyricFromService, kLyricNotFound, kLyricWaiting}) {
-        r.source->loadFroms.clear();
-        r.source->Answer(7, status);
-        EXPECT_TRUE(r.source->loadFroms.empty()) << status;
+        r.fake->loadFroms.clear();
+        r.fake->Answer(7, status);
+        EXPECT_TRUE(r.fake->loadFroms.empty()) << status;
     }
 }
 
@@ -195,7 +145,7 @@ TEST(cCore, StoppedForgetsTheTrackAndShowsTheUpdateNoticeOnce) {
         EXPECT_EQ(r.display.Take(), expected) << c.newest;
         if (!c.notice) continue;
         EXPECT_EQ(r.display.Lyric()->URL(), u"http://lyrics.example/?page=download");
-        EXPECT_EQ(r.display.Lyric()->GetLine(0)->Text(), u"msg TovalNewVersion");
+        EXPECT_EQ(r.display.Lyric()->GetLine(0)->Text(), u"TovalNewVersion");
 
         // Following another link changes nothing; following the download link
         // retires the notice for this version.
@@ -203,13 +153,17 @@ TEST(cCore, StoppedForgetsTheTrackAndShowsTheUpdateNoticeOnce) {
         r.core->onSaveLastShow = [&](int32_t v) { saved.push_back(v); };
         r.core->LinkOpened(u"http://elsewhere.example/");
         EXPECT_TRUE(saved.empty());
-        r.core->LinkOpened(u"http://lyrics.example/?page=download");
+        r.display.Click();
+        EXPECT_EQ(r.shell.links,
+                  (std::vector<std::u16string>{u"http://lyrics.example/?page=download"}));
         EXPECT_EQ(saved, (std::vector<int32_t>{c.newest}));
         EXPECT_EQ(r.globals.Settings.version_LastShow, c.newest);
         EXPECT_FALSE(r.display.Lyric());
         r.display.Take();
-        r.core->PluginEvent(kEventStopped);
+        r.channel.Notice(1);  // stopped again
         EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"Clear"}));
+        r.display.Click();
+        EXPECT_EQ(r.shell.links.size(), 1u);
     }
 }
 
@@ -217,16 +171,32 @@ TEST(cCore, PlayerClosedLeavesTheTimerOff) {
     for (int32_t code : {kEventPlayerClosed, kEventLinkClosed, kEventLinkClosed2}) {
         Rig r;
         r.Playing(2, u"[1000]a");
-        r.core->PluginEvent(code);
+        r.display.Take();
+        if (code == kEventPlayerClosed) {
+            EXPECT_EQ(r.channel.Notice(3), 0);  // the plug-in's notice closes the program
+            EXPECT_EQ(r.closes, 1);
+        } else {
+            r.core->PluginEvent(code);
+        }
         EXPECT_FALSE(r.timer.enabled);
         EXPECT_EQ(r.timer.interval, 5000);
         EXPECT_FALSE(r.core->PluginAlive());
         EXPECT_FALSE(r.core->Waking());
         EXPECT_FALSE(r.core->LyricActive());
         EXPECT_FALSE(r.core->Stream());
+        EXPECT_FALSE(r.display.Lyric());
+        EXPECT_EQ(r.display.log, (std::vector<std::string>{"Clear"}));
         EXPECT_EQ(r.globals.TrackID, kUnset);
+        r.channel.sent.clear();
         EXPECT_FALSE(r.timer.tick());
+        EXPECT_TRUE(r.channel.sent.empty());
     }
+    // A plug-in that dies without a word: the zero position closes the program.
+    Rig quiet;
+    quiet.timer.tick();
+    quiet.channel.dead = true;
+    quiet.timer.tick();
+    EXPECT_EQ(quiet.closes, 1);
 }
 
 TEST(cCore, OtherCodesAndResetAndCache) {
@@ -254,7 +224,7 @@ TEST(cCore, OtherCodesAndResetAndCache) {
     EXPECT_FALSE(idle.core->LoadPending());
 
     r.core->ClearCache();
-    EXPECT_EQ(r.source->cacheClears, 1);
+    EXPECT_EQ(r.fake->cacheClears, 1);
 
     r.core->preClose();
     EXPECT_FALSE(r.timer.enabled);
