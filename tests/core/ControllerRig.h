@@ -103,6 +103,21 @@ struct ControllerRig {
         fake->text = std::move(lyric);
         fake->Answer(pos, status);
     }
+    // The controller's state in one text: the timer, then what holds.
+    std::string State() const {
+        std::string s = (timer.enabled ? "on " : "off ") + std::to_string(timer.interval);
+        const std::pair<bool, const char*> flags[] = {{core->PluginAlive(), " alive"},
+                                                      {core->Waking(), " waking"},
+                                                      {core->LoadPending(), " pending"},
+                                                      {core->LyricActive(), " lyric"},
+                                                      {core->Stream() != nullptr, " stream"}};
+        for (const auto& [on, name] : flags)
+            if (on) s += name;
+        if (globals.PlaylistPosition != kUnset)
+            s += " at " + std::to_string(globals.PlaylistPosition);
+        if (globals.TrackID != kUnset) s += " track " + std::to_string(globals.TrackID);
+        return s;
+    }
     // One polling tick at position ms.
     void Tick(int32_t ms) {
         channel.position = ms;
