@@ -9,17 +9,8 @@
 #include <string>
 
 #include "base/mNumber.h"
-#include "core/FakeLyricSource.h"
-#include "core/cCore.h"
+#include "core/ControllerRig.h"
 #include "core/cEventStream.h"
-#include "core/cPlugin.h"
-#include "display/cDisplay.h"
-#include "fakes/FakeDrawSurface.h"
-#include "fakes/FakeMeasureSurface.h"
-#include "fakes/FakePluginChannel.h"
-#include "fakes/FakeRandom.h"
-#include "fakes/FakeShell.h"
-#include "fakes/FakeTimer.h"
 #include "lyric/cLyric.h"
 
 namespace {
@@ -43,43 +34,21 @@ std::u16string HourLyric() {
 }
 
 // A playing controller on the fakes, its lyric loaded and laid out.
-struct Session {
-    cGlobals globals;
-    test::FakeShell shell;
-    test::FakeRandom random;
-    test::FakeTimer timer;
-    test::FakePluginChannel channel;
-    test::FakeDrawSurface surface;
-    test::FakeMeasureSurface measure;
-    std::shared_ptr<test::FakeLyricSource> source = std::make_shared<test::FakeLyricSource>();
-    cPlugin plugin{globals, channel, shell, nullptr};
-    cDisplay display{globals, surface, shell};
-    std::shared_ptr<cCore> core;
-
+struct Session : test::ControllerRig {
     Session() {
-        core = std::make_shared<cCore>(globals, shell, random, source, nullptr);
-        core->setTray(&display);
-        core->setAuxPictureBox(&measure);
-        core->setPlugin(&plugin);
-        core->setTimer(&timer);
-        plugin.setCore(core);
         timer.tick();  // wake-up
         core->PluginEvent(kEventNewTrack);
-        source->text = HourLyric();
-        source->answerOnLoad = kLyricFromService;
+        fake->text = HourLyric();
+        fake->answerOnLoad = kLyricFromService;
         timer.tick();  // lookup
         if (!core->LyricActive() || core->Stream()->NumEvents() != 5 * kLines)
             throw std::runtime_error("the session did not start");
     }
-    ~Session() {
-        plugin.setCore(nullptr);
-        core->setTimer(nullptr);
-    }
     void Tick(int32_t ms) {
-        channel.position = ms;
-        timer.tick();
+        ControllerRig::Tick(ms);
         channel.sent.clear();
         surface.clear();
+        display.log.clear();
     }
 };
 

@@ -7,17 +7,8 @@
 #include <cstring>
 #include <string>
 
-#include "core/FakeLyricSource.h"
-#include "core/cCore.h"
+#include "core/ControllerRig.h"
 #include "core/cEventStream.h"
-#include "core/cPlugin.h"
-#include "display/cDisplay.h"
-#include "fakes/FakeDrawSurface.h"
-#include "fakes/FakeMeasureSurface.h"
-#include "fakes/FakePluginChannel.h"
-#include "fakes/FakeRandom.h"
-#include "fakes/FakeShell.h"
-#include "fakes/FakeTimer.h"
 
 using namespace toval;
 
@@ -51,77 +42,59 @@ struct Reader {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    cGlobals globals;
-    test::FakeShell shell;
-    test::FakeRandom random;
-    test::FakeTimer timer;
-    test::FakePluginChannel channel;
-    test::FakeDrawSurface surface;
-    test::FakeMeasureSurface measure;
-    auto source = std::make_shared<test::FakeLyricSource>();
-    cPlugin plugin(globals, channel, shell, nullptr);
-    cDisplay display(globals, surface, shell);
-    auto core = std::make_shared<cCore>(globals, shell, random, source, nullptr);
-    core->setTray(&display);
-    core->setAuxPictureBox(&measure);
-    core->setPlugin(&plugin);
-    core->setTimer(&timer);
-    plugin.setCore(core);
-    display.onLinkOpened = [&](const std::u16string& url) { core->LinkOpened(url); };
-
+    test::ControllerRig rig;
     Reader in{data, size};
     for (int step = 0; in.more() && step < 400; ++step) {
         int64_t result = 0;
         switch (in.byte() % 9) {
             case 0:
-                timer.tick();
+                rig.timer.tick();
                 break;
             case 1:
-                plugin.ProcessMessage(kWmUser, 0, static_cast<int8_t>(in.byte()), {}, result);
+                rig.plugin.ProcessMessage(kWmUser, 0, static_cast<int8_t>(in.byte()), {}, result);
                 break;
             case 2: {
                 std::string record(kTagRecordSize, '\0');
                 const size_t n = in.byte();
                 for (size_t i = 0; i < n; ++i)
                     record[in.byte() * 14 % kTagRecordSize] = static_cast<char>(in.byte());
-                plugin.ProcessMessage(kWmCopyData, 0, 0, record, result);
+                rig.plugin.ProcessMessage(kWmCopyData, 0, 0, record, result);
                 break;
             }
             case 3:
-                source->text = in.text();
-                source->Answer(in.byte() % 4, in.byte() % 6);
+                rig.fake->text = in.text();
+                rig.fake->Answer(in.byte() % 4, in.byte() % 6);
                 break;
             case 4:
-                channel.position = in.int32();
+                rig.channel.position = in.int32();
                 break;
             case 5:
-                channel.playlistPosition = in.byte() % 4;
+                rig.channel.playlistPosition = in.byte() % 4;
                 break;
             case 6:
-                channel.dead = in.byte() & 1;
-                channel.registerAnswer = in.byte() % 3;
-                channel.lengthUnit = in.byte() % 3;
+                rig.channel.dead = in.byte() & 1;
+                rig.channel.registerAnswer = in.byte() % 3;
+                rig.channel.lengthUnit = in.byte() % 3;
                 break;
             case 7: {
                 const uint8_t what = in.byte();
-                if (what & 1) core->Reset();
-                if (what & 2) core->PluginEvent(static_cast<int8_t>(in.byte()));
-                if (what & 4) display.Click();
-                if (what & 8) globals.lastUpdateVersion = in.int32();
-                if (what & 16) globals.Settings.timer_TrackPosRefresh = in.int32();
+                if (what & 1) rig.core->Reset();
+                if (what & 2) rig.core->PluginEvent(static_cast<int8_t>(in.byte()));
+                if (what & 4) rig.display.Click();
+                if (what & 8) rig.globals.lastUpdateVersion = in.int32();
+                if (what & 16) rig.globals.Settings.timer_TrackPosRefresh = in.int32();
                 break;
             }
             case 8: {
                 int32_t line = in.int32(), word = in.int32();
-                display.ChooseText(line, word);
+                rig.display.ChooseText(line, word);
                 break;
             }
         }
-        if (core->LyricActive() && !core->Stream()) __builtin_trap();
-        surface.clear();
-        channel.sent.clear();
+        if (rig.core->LyricActive() && !rig.core->Stream()) __builtin_trap();
+        rig.surface.clear();
+        rig.channel.sent.clear();
+        rig.display.log.clear();
     }
-    plugin.setCore(nullptr);
-    core->setTimer(nullptr);
     return 0;
 }

@@ -75,6 +75,8 @@ struct cSettings {
     int32_t cache_size = 1024;
     bool cache_simple = true;
     bool editmode_splash = true;
+
+    bool operator==(const cSettings&) const = default;
 };
 
 // Every program-wide value, in one place.

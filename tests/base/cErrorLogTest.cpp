@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 
 #include "fakes/FakeClock.h"
@@ -11,13 +9,6 @@
 
 namespace toval {
 namespace {
-
-std::string ReadAll(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
 
 TEST(cErrorLog, LineShowsHoursThenSecondsAndJoinsTexts) {
     cDateTime when{2026, 3, 4, 7, 59, 8};
@@ -31,16 +22,12 @@ TEST(cErrorLog, GuardedWritesOneLineAndReturnsTheNeutralResult) {
     test::FakeClock clock;
     cErrorLog log(dir.folder(), clock);
     setErrorTrail(&log);
-
-    const int value = Guarded("cThing.Work", -1, []() -> int { throw std::runtime_error("boom"); });
-    EXPECT_EQ(value, -1);
+    EXPECT_EQ(Guarded("cThing.Work", -1, []() -> int { throw std::runtime_error("boom"); }), -1);
     EXPECT_EQ(Guarded("cThing.Fine", -1, [] { return 5; }), 5);
     Guarded("cThing.Void [Let]", [] { throw 42; });
-
     setErrorTrail(nullptr);
     ErrorTrail({"dropped", "no log installed"});
-
-    EXPECT_EQ(ReadAll(dir.path() / "Error.log"),
+    EXPECT_EQ(dir.Read("Error.log"),
               "2026/11/21 09:45 - cThing.Work ; boom\r\n"
               "2026/11/21 09:45 - cThing.Void [Let] ; unknown failure\r\n");
 }

@@ -3,16 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <map>
-#include <sstream>
 #include <stdexcept>
 #include <vector>
 
-#include "base/cErrorLog.h"
 #include "base/mFile.h"
 #include "base/mString.h"
-#include "fakes/FakeClock.h"
+#include "fakes/CapturedTrail.h"
 #include "fakes/TempDir.h"
 
 namespace toval {
@@ -52,29 +49,17 @@ class FakeLoader : public StringsLibraryLoader {
     bool throws = false;
 };
 
+using Lines = std::vector<std::vector<std::string>>;
+
 std::string Wide(const std::u16string& text) {
     return cStrings().wstringTOwchar(text);
 }
 
-std::string ReadAll(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
 class StringsDLLTest : public testing::Test {
   protected:
-    StringsDLLTest() : log(dir.folder(), clock) { setErrorTrail(&log); }
-    ~StringsDLLTest() override {
-        setErrorTrail(nullptr);
-        resetStringsDLL();
-    }
-    std::string Trail() { return ReadAll(dir.path() / "Error.log"); }
-
+    ~StringsDLLTest() override { resetStringsDLL(); }
     test::TempDir dir;
-    test::FakeClock clock;
-    cErrorLog log;
+    test::CapturedTrail trail;
 };
 
 TEST_F(StringsDLLTest, MissingLibraryWritesTheReasonAndKeepsTheBuiltIns) {
@@ -83,14 +68,14 @@ TEST_F(StringsDLLTest, MissingLibraryWritesTheReasonAndKeepsTheBuiltIns) {
     EXPECT_FALSE(StringsDLLAvailable());
     EXPECT_EQ(StringsDLL(), nullptr);
     EXPECT_EQ(Strings().utf8TOwstring("\xC3\xA9"), u"\u00E9");
-    EXPECT_EQ(Trail(),
-              "2026/11/21 09:45 - mString.tryLoadStringsDLL ; Can't load TovalStrings (Framework) "
-              "library, using old functions instead.\r\nReason: libTovalStrings.so: cannot open "
-              "shared object file\r\n");
+    EXPECT_EQ(trail.lines, (Lines{{"mString.tryLoadStringsDLL",
+                                   "Can't load TovalStrings (Framework) library, using old "
+                                   "functions instead.\r\nReason: libTovalStrings.so: cannot "
+                                   "open shared object file"}}));
 
     loader.throws = true;  // a loader that breaks is a missing library too
     EXPECT_FALSE(tryLoadStringsDLL(loader));
-    EXPECT_NE(Trail().find("Reason: loader broke\r\n"), std::string::npos);
+    EXPECT_TRUE(trail.Has("Reason: loader broke"));
 }
 
 TEST_F(StringsDLLTest, LoadedLibraryDoesTheWorkUntilItsFirstFailure) {
@@ -109,7 +94,7 @@ TEST_F(StringsDLLTest, LoadedLibraryDoesTheWorkUntilItsFirstFailure) {
     EXPECT_EQ(library.calls[0].first, "x");
     EXPECT_EQ(library.calls[1].first, std::string("\xE9\0", 2));  // texts go as UTF-16 LE
     EXPECT_EQ(library.calls[1].number, 40);
-    EXPECT_EQ(Trail(), "");
+    EXPECT_TRUE(trail.lines.empty());
 
     // No answer for htmlTOtext: the built-in result, and the library is off for good.
     EXPECT_EQ(Strings().htmlTOtext(u"&amp;"), u"&");
@@ -117,9 +102,9 @@ TEST_F(StringsDLLTest, LoadedLibraryDoesTheWorkUntilItsFirstFailure) {
     EXPECT_EQ(StringsDLL(), nullptr);
     EXPECT_EQ(Strings().utf8TOwstring("x"), u"x");
     EXPECT_EQ(library.calls.size(), 3u);
-    EXPECT_EQ(Trail(),
-              "2026/11/21 09:45 - cStringsDLL.htmlTOtext ; TovalStrings failed; using "
-              "the built-in functions from now on\r\n");
+    EXPECT_EQ(trail.lines, (Lines{{"cStringsDLL.htmlTOtext",
+                                   "TovalStrings failed; using the built-in functions from now "
+                                   "on"}}));
 }
 
 TEST_F(StringsDLLTest, MalformedOrThrowingAnswersTurnTheLibraryOff) {
@@ -179,7 +164,7 @@ TEST_F(StringsDLLTest, FileFunctionsGoThroughTheLibraryWhileItWorks) {
     EXPECT_FALSE(std::filesystem::exists(dir.path() / "song.tvl"));
     EXPECT_FALSE(StringsDLLAvailable());
     EXPECT_TRUE(FileSaveUTF8(file, u"\u00E9"));
-    EXPECT_EQ(ReadAll(dir.path() / "song.tvl"), "\xC3\xA9");
+    EXPECT_EQ(dir.Read("song.tvl"), "\xC3\xA9");
 }
 
 }  // namespace

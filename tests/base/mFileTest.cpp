@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <utility>
 #include <vector>
 
@@ -21,18 +19,6 @@ std::u16string P(std::u16string path) {
         if (c == u'/') c = kPathSeparator;
     }
     return path;
-}
-
-std::string ReadAll(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
-void WriteAll(const fs::path& path, const std::string& data) {
-    std::ofstream out(path, std::ios::binary);
-    out << data;
 }
 
 TEST(mFile, LyricFileNamesBelongingToATrack) {
@@ -67,7 +53,7 @@ TEST(mFile, LyricFileNamesBelongingToATrack) {
 TEST(mFile, ReadFileTakesBytesFromAOneBasedStart) {
     test::TempDir dir;
     const std::u16string file = dir.file(u"data.bin");
-    WriteAll(dir.path() / "data.bin", "0123456789");
+    dir.Write(dir.path() / "data.bin", "0123456789");
     const std::vector<std::tuple<int32_t, int32_t, std::string>> cases = {
         {1, 0, "0123456789"}, {1, -5, "0123456789"}, {3, 4, "2345"},
         {8, 100, "789"},      {10, 1, "9"},          {11, 1, ""},
@@ -87,15 +73,15 @@ TEST(mFile, SaveFileWritesInPlaceAppendsOrReplaces) {
     const fs::path real = dir.path() / "out.bin";
 
     EXPECT_TRUE(SaveFile(file, "0123456789", 1, false));  // a new file
-    EXPECT_EQ(ReadAll(real), "0123456789");
+    EXPECT_EQ(dir.Read(real), "0123456789");
     EXPECT_TRUE(SaveFile(file, "ab", 3, false));  // in place, the rest kept
-    EXPECT_EQ(ReadAll(real), "01ab456789");
+    EXPECT_EQ(dir.Read(real), "01ab456789");
     EXPECT_TRUE(SaveFile(file, "XY", 0, false));  // start below 1 appends
-    EXPECT_EQ(ReadAll(real), "01ab456789XY");
+    EXPECT_EQ(dir.Read(real), "01ab456789XY");
     EXPECT_TRUE(SaveFile(file, "new", 0, true));  // deleted first: from the beginning
-    EXPECT_EQ(ReadAll(real), "new");
+    EXPECT_EQ(dir.Read(real), "new");
     EXPECT_TRUE(SaveFile(file, "z", 6, false));  // past the end: the gap is zeros
-    EXPECT_EQ(ReadAll(real), std::string("new\0\0z", 6));
+    EXPECT_EQ(dir.Read(real), std::string("new\0\0z", 6));
     EXPECT_TRUE(SaveFile(file, "", 1, true));
     EXPECT_TRUE(fs::exists(real));
     EXPECT_EQ(fs::file_size(real), 0u);
@@ -113,19 +99,19 @@ TEST(mFile, TextFilesAreUtf8WithoutAMarkOrInTheCodePage) {
     const std::u16string file = dir.file(u"lyric \u00E9\u65E5\u672C.tvl");
     const fs::path real = fs::path(file);
 
-    WriteAll(real, std::string(100, 'x'));
+    dir.Write(real, std::string(100, 'x'));
     EXPECT_TRUE(FileSaveUTF8(file, u"\u00E9t\u00E9 \u20AC"));  // replaces the longer file
-    EXPECT_EQ(ReadAll(real), "\xC3\xA9t\xC3\xA9 \xE2\x82\xAC");
+    EXPECT_EQ(dir.Read(real), "\xC3\xA9t\xC3\xA9 \xE2\x82\xAC");
     EXPECT_EQ(FileRead(file), u"\u00E9t\u00E9 \u20AC");
 
-    WriteAll(real,
-             "\xEF\xBB\xBF"
-             "a\xE9");  // a mark is not looked for; Latin-1 still reads
+    dir.Write(real,
+              "\xEF\xBB\xBF"
+              "a\xE9");  // a mark is not looked for; Latin-1 still reads
     EXPECT_EQ(FileRead(file), u"\uFEFFa\u00E9");
     EXPECT_EQ(FileRead(dir.file(u"missing.tvl")), u"");
 
     EXPECT_TRUE(FileSaveAscii(file, u"\u00E9\u20AC\u0100"));
-    EXPECT_EQ(ReadAll(real), "\xE9\x80?");
+    EXPECT_EQ(dir.Read(real), "\xE9\x80?");
     EXPECT_FALSE(FileSaveUTF8(dir.file(P(u"no/file.tvl")), u"x"));
     EXPECT_FALSE(FileSaveAscii(dir.file(P(u"no/file.ini")), u"x"));
 }
@@ -136,7 +122,7 @@ TEST(mFile, ExistsAndKill) {
     EXPECT_FALSE(FileExists(file));
     EXPECT_FALSE(FileExists(u""));
     EXPECT_TRUE(FileExists(dir.folder()));  // a folder's attributes can be read too
-    WriteAll(fs::path(file), "x");
+    dir.Write(fs::path(file), "x");
     EXPECT_TRUE(FileExists(file));
     FileKill(file);
     EXPECT_FALSE(FileExists(file));

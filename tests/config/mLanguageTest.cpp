@@ -14,6 +14,12 @@
 namespace toval::test {
 namespace {
 
+struct Geo {
+    std::u16string tag;
+    std::optional<int32_t> left, alignment;
+    bool operator==(const Geo&) const = default;
+};
+
 // A control as a form designer leaves it; a property set to std::nullopt is
 // one the control does not have.
 struct FakeControl : iLanguageTarget {
@@ -25,10 +31,17 @@ struct FakeControl : iLanguageTarget {
     std::vector<std::unique_ptr<FakeControl>> children;
 
     explicit FakeControl(std::u16string n) : name(std::move(n)) {}
-    FakeControl& Add(std::u16string n) {
-        children.push_back(std::make_unique<FakeControl>(std::move(n)));
-        return *children.back();
+    FakeControl& Add(std::u16string n, std::u16string t = {}, int32_t l = 0, int32_t w = 0,
+                     int32_t c = 0, std::optional<int32_t> align = std::nullopt) {
+        auto& child = *children.emplace_back(std::make_unique<FakeControl>(std::move(n)));
+        child.tag = std::move(t);
+        child.left = l;
+        child.width = w;
+        child.container = c;
+        child.alignment = align;
+        return child;
     }
+    Geo Geometry() const { return {tag, left, alignment}; }
 
     std::u16string Name() const override { return name; }
     std::optional<std::u16string> Caption() const override { return caption; }
@@ -143,95 +156,47 @@ TEST_F(mLanguageTest, TaggedControlsMirrorOnceWhenTheDirectionDiffers) {
     UseFile("[info]\r\nalignment=1\r\n");
     language.ReadDirection();
     FakeControl form(u"fMain");
-    FakeControl& ltr = form.Add(u"lbl");
-    ltr.tag = u"LTR";
-    ltr.left = 100;
-    ltr.width = 50;
-    ltr.container = 1000;
-    ltr.alignment = kAlignLeft;
-    FakeControl& centred = form.Add(u"centred");
-    centred.tag = u"LTR";
-    centred.left = 0;
-    centred.width = 1000;
-    centred.container = 1000;
-    centred.alignment = kAlignCenter;
-    FakeControl& rtl = form.Add(u"rtl");
-    rtl.tag = u"RTL";
-    rtl.left = 10;
-    rtl.width = 10;
-    rtl.container = 100;
-    FakeControl& untagged = form.Add(u"plain");
-    untagged.tag = u"ltr";
-    untagged.left = 10;
-    untagged.width = 10;
-    untagged.container = 100;
-    FakeControl& noGeometry = form.Add(u"menu");
-    noGeometry.tag = u"LTR";
+    FakeControl& ltr = form.Add(u"lbl", u"LTR", 100, 50, 1000, kAlignLeft);
+    FakeControl& centred = form.Add(u"centred", u"LTR", 0, 1000, 1000, kAlignCenter);
+    FakeControl& rtl = form.Add(u"rtl", u"RTL", 10, 10, 100);
+    FakeControl& untagged = form.Add(u"plain", u"ltr", 10, 10, 100);
+    FakeControl& noGeometry = form.Add(u"menu", u"LTR");
+    noGeometry.left = noGeometry.width = noGeometry.container = std::nullopt;
     noGeometry.alignment = kAlignRight;
 
-    language.ApplyLanguage(form, u"");
-    EXPECT_EQ(ltr.left, 850);
-    EXPECT_EQ(ltr.tag, u"RTL");
-    EXPECT_EQ(ltr.alignment, kAlignRight);
-    EXPECT_EQ(centred.left, 0);
-    EXPECT_EQ(centred.alignment, kAlignCenter);
-    EXPECT_EQ(rtl.left, 10);
-    EXPECT_EQ(untagged.left, 10);
-    EXPECT_EQ(noGeometry.tag, u"RTL");
-    EXPECT_EQ(noGeometry.alignment, kAlignLeft);
-    EXPECT_FALSE(noGeometry.left.has_value());
-
-    // Applying again does not move anything back: the tags now match.
-    language.ApplyLanguage(form, u"");
-    EXPECT_EQ(ltr.left, 850);
-    EXPECT_EQ(ltr.alignment, kAlignRight);
-
+    // Applying twice moves nothing back: the tags now match.
+    for (int pass = 0; pass < 2; ++pass) {
+        language.ApplyLanguage(form, u"");
+        EXPECT_EQ(ltr.Geometry(), (Geo{u"RTL", 850, kAlignRight}));
+        EXPECT_EQ(centred.Geometry(), (Geo{u"RTL", 0, kAlignCenter}));
+        EXPECT_EQ(rtl.Geometry(), (Geo{u"RTL", 10, std::nullopt}));
+        EXPECT_EQ(untagged.Geometry(), (Geo{u"ltr", 10, std::nullopt}));
+        EXPECT_EQ(noGeometry.Geometry(), (Geo{u"RTL", std::nullopt, kAlignLeft}));
+    }
     // Back to a left-to-right language: the controls return.
     UseFile("[info]\r\nalignment=0\r\n");
     language.ReadDirection();
     language.ApplyLanguage(form, u"");
-    EXPECT_EQ(ltr.left, 100);
-    EXPECT_EQ(ltr.tag, u"LTR");
-    EXPECT_EQ(ltr.alignment, kAlignLeft);
-    EXPECT_EQ(rtl.left, 80);
+    EXPECT_EQ(ltr.Geometry(), (Geo{u"LTR", 100, kAlignLeft}));
+    EXPECT_EQ(rtl.Geometry(), (Geo{u"LTR", 80, std::nullopt}));
 
     // Extreme geometry wraps instead of overflowing.
     FakeControl odd(u"odd");
     odd.tag = u"RTL";
-    odd.left = INT32_MAX;
-    odd.width = INT32_MAX;
+    odd.left = odd.width = INT32_MAX;
     odd.container = INT32_MIN;
     language.ApplyLanguage(odd, u"");
     EXPECT_EQ(odd.left, INT32_MIN + 2);
 }
 
-// Every message key that the program shows, as its callers name them.
-const char* const kMessageKeys[] = {
-    "StartErrorNoHandle",
-    "StartErrorBadHandle",
-    "AttentionTitle",
-    "ErrorTitle",
-    "InvalidMusicTAG",
-    "TovalNotFound",
-    "TovalNewVersion",
-    "SaveFailed",
-    "AllFiles",
-    "RequestLyricReset",
-    "RequestLyricResetTitle",
-    "TovalSentOk",
-    "TovalSentOkTitle",
-    "TovalSentSqlError",
-    "TovalSentSqlErrorTitle",
-    "TovalSentFail",
-    "TovalSentFailTitle",
-    "TovalEditText",
-    "TovalEditTime",
-    "TovalEditPreview",
-    "TovalEditPreviewText",
-    "TovalEditHelp",
-};
-
 TEST(LanguageFiles, ShippedFilesHoldEveryMessageAndTheirDirection) {
+    // Every message key that the program shows, as its callers name them.
+    const std::u16string keys =
+        u"StartErrorNoHandle StartErrorBadHandle AttentionTitle ErrorTitle InvalidMusicTAG "
+        u"TovalNotFound TovalNewVersion SaveFailed AllFiles RequestLyricReset "
+        u"RequestLyricResetTitle TovalSentOk TovalSentOkTitle TovalSentSqlError "
+        u"TovalSentSqlErrorTitle TovalSentFail TovalSentFailTitle TovalEditText TovalEditTime "
+        u"TovalEditPreview TovalEditPreviewText TovalEditHelp ";
     const std::filesystem::path folder = std::filesystem::path(TOVAL_SOURCE_DIR) / "lang";
     cIniEngine engine;
     for (const auto& [name, rtl] : {std::pair{"enus.ini", false}, std::pair{"heil.ini", true}}) {
@@ -239,11 +204,11 @@ TEST(LanguageFiles, ShippedFilesHoldEveryMessageAndTheirDirection) {
         globals.LanguageFile = (folder / name).u16string();
         ASSERT_TRUE(std::filesystem::exists(folder / name)) << name;
         mLanguage language(engine, globals);
-        for (const char* key : kMessageKeys) {
-            const std::u16string key16(key, key + std::char_traits<char>::length(key));
-            EXPECT_FALSE(language.MessageText(key16).empty()) << name << " lacks " << key;
-            EXPECT_EQ(language.MessageText(key16).find(u"%%"), std::u16string::npos)
-                << name << " " << key;
+        for (size_t at = 0, end; (end = keys.find(u' ', at)) != std::u16string::npos;
+             at = end + 1) {
+            const std::u16string text = language.MessageText(keys.substr(at, end - at));
+            EXPECT_FALSE(text.empty()) << name << " lacks key " << at;
+            EXPECT_EQ(text.find(u"%%"), std::u16string::npos) << name << " key " << at;
         }
         EXPECT_FALSE(language.GetValue(u"objects", u".fEdit.cmdSave.caption").empty()) << name;
         language.ReadDirection();

@@ -10,89 +10,32 @@
 #include <vector>
 
 #include "base/mFile.h"
-#include "core/FakeLyricSource.h"
-#include "core/RecordingDisplay.h"
-#include "core/cCore.h"
+#include "core/ControllerRig.h"
 #include "core/cLyricFile.h"
-#include "core/cPlugin.h"
-#include "fakes/FakeDrawSurface.h"
-#include "fakes/FakeMeasureSurface.h"
-#include "fakes/FakePluginChannel.h"
-#include "fakes/FakeRandom.h"
-#include "fakes/FakeShell.h"
-#include "fakes/FakeTimer.h"
 #include "fakes/TempDir.h"
-#include "lyric/cLyric.h"
 #include "lyric/cMusic.h"
 #include "net/cCache.h"
 
 namespace toval::test {
 namespace {
 
-using Texts = std::vector<std::string>;
 const std::string U = std::to_string(kUnset);
 
-struct World {
-    TempDir dir;
-    cGlobals globals;
-    FakeShell shell;
-    FakeRandom random{{0.25}};
-    FakeTimer timer;
-    FakePluginChannel channel;
-    FakeDrawSurface surface;
-    FakeMeasureSurface measure;
-    cPlugin plugin{globals, channel, shell,
-                   [](std::u16string_view k) { return std::u16string(k); }};
-    RecordingDisplay display{globals, surface, shell};
-    std::shared_ptr<iLyricSource> source;
-    std::shared_ptr<cCore> core;
-    int closes = 0;
-
-    // fake: a scripted lookup instead of the real one over files in a temp folder.
-    explicit World(std::shared_ptr<iLyricSource> fake = nullptr) {
-        globals.Settings.color_Backround = 100;
-        globals.Settings.color_BackText = 101;
-        globals.Settings.color_NormalText = 102;
-        globals.Settings.color_HighlighText = 103;
-        display.Load();
-        if (fake) {
-            source = std::move(fake);
-        } else {
-            std::filesystem::create_directories(dir.path() / "cache");
-            auto file = std::make_shared<cLyricFile>(
-                globals,
-                std::make_unique<cCache>(globals, random, dir.file(u"cache") + kPathSeparator));
-            file->setMusic(plugin.Music());
-            source = file;
-        }
-        core = std::make_shared<cCore>(globals, shell, random, source,
-                                       [](std::u16string_view k) { return std::u16string(k); });
-        core->setTray(&display);
-        core->setAuxPictureBox(&measure);
-        core->setPlugin(&plugin);
-        core->setTimer(&timer);
-        plugin.setPluginHwnd(0x99);
-        plugin.onCloseProgram = [this] { ++closes; };
-        channel.onMessage = [this](uint32_t m, int64_t w, int64_t l, std::string_view d,
-                                   int64_t& r) { return plugin.ProcessMessage(m, w, l, d, r); };
-        plugin.setCore(core);
-    }
-    ~World() {
-        plugin.setCore(nullptr);
-        core->setTimer(nullptr);
-    }
+// The rig with the real lookup over files in a temp folder (made first).
+struct World : TempDir, ControllerRig {
+    World()
+        : ControllerRig([this](ControllerRig& r) {
+              std::filesystem::create_directories(path() / "cache");
+              auto lookup = std::make_shared<cLyricFile>(
+                  r.globals,
+                  std::make_unique<cCache>(r.globals, r.random, file(u"cache") + kPathSeparator));
+              lookup->setMusic(r.plugin.Music());
+              return lookup;
+          }) {}
     void Write(const std::string& name, const std::string& content) {
-        std::ofstream(dir.path() / name, std::ios::binary) << content;
+        std::ofstream(path() / name, std::ios::binary) << content;
     }
-    std::string Path(const std::string& name) const { return (dir.path() / name).string(); }
-    // One polling tick at position ms; the highlight calls and texts painted.
-    std::pair<Texts, Texts> At(int32_t ms) {
-        channel.position = ms;
-        display.Take();
-        surface.clear();
-        timer.tick();
-        return {display.Take(), surface.Painted()};
-    }
+    std::string Path(const std::string& name) const { return (path() / name).string(); }
 };
 
 const char kSongTvl[] =
@@ -141,8 +84,8 @@ TEST(Scenario, ALyricBesideTheTrackFollowsThePosition) {
 }
 
 TEST(Scenario, TheTrackChangesWhileItsLyricIsLoading) {
-    auto fake = std::make_shared<FakeLyricSource>();
-    World w(fake);
+    ControllerRig w;
+    auto& fake = w.fake;
     w.timer.tick();
     w.channel.playlistPosition = 1;
     w.channel.CopyData(FakePluginChannel::TagRecord("/a.mp3", "A", "", "One", 1000));
@@ -190,58 +133,6 @@ TEST(Scenario, TheTrackChangesWhileItsLyricIsLoading) {
     EXPECT_EQ(calls, (Texts{"Lyric", "Music"}));
     EXPECT_EQ(painted, (Texts{"lyric of three/101/u"}));
     EXPECT_EQ(w.At(10).first, (Texts{"Choose 0 " + U}));
-}
-
-TEST(Scenario, ThePlayerClosesAndTheTimerStaysOff) {
-    World w;
-    w.Write("song.tvl", kSongTvl);
-    w.timer.tick();
-    w.channel.CopyData(FakePluginChannel::TagRecord(w.Path("song.mp3"), "A", "", "T", 1));
-    w.At(0);
-    w.At(1500);
-    ASSERT_TRUE(w.core->LyricActive());
-
-    EXPECT_EQ(w.channel.Notice(3), 0);
-    EXPECT_EQ(w.closes, 1);
-    EXPECT_FALSE(w.timer.enabled);
-    EXPECT_FALSE(w.core->PluginAlive());
-    EXPECT_FALSE(w.display.Lyric());
-    EXPECT_EQ(w.display.log, (Texts{"Clear"}));
-    w.channel.sent.clear();
-    EXPECT_FALSE(w.timer.tick());
-    EXPECT_TRUE(w.channel.sent.empty());
-
-    // A plug-in that dies without a word: the zero position closes the program.
-    World quiet;
-    quiet.timer.tick();
-    quiet.channel.dead = true;
-    quiet.timer.tick();
-    EXPECT_EQ(quiet.closes, 1);
-}
-
-TEST(Scenario, TheUpdateNoticeAppearsForANewVersionOnce) {
-    World w;
-    w.globals.Settings.conn_Server = u"lyrics.example";
-    w.globals.lastUpdateVersion = 1030005;
-    std::vector<int32_t> saved;
-    w.core->onSaveLastShow = [&](int32_t v) { saved.push_back(v); };
-    w.display.onLinkOpened = [&](const std::u16string& url) { w.core->LinkOpened(url); };
-    w.timer.tick();
-
-    w.surface.clear();
-    EXPECT_EQ(w.channel.Notice(1), 0);  // playback stopped
-    EXPECT_EQ(w.surface.Painted(), (Texts{"TovalNewVersion/101/u"}));
-    w.display.Click();
-    EXPECT_EQ(w.shell.links,
-              (std::vector<std::u16string>{u"http://lyrics.example/?page=download"}));
-    EXPECT_EQ(saved, (std::vector<int32_t>{1030005}));
-    EXPECT_FALSE(w.display.Lyric());
-
-    w.surface.clear();
-    w.channel.Notice(1);
-    EXPECT_TRUE(w.surface.Painted().empty());
-    w.display.Click();
-    EXPECT_EQ(w.shell.links.size(), 1u);
 }
 
 }  // namespace

@@ -3,96 +3,41 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
-#include "core/FakeLyricSource.h"
-#include "core/RecordingDisplay.h"
+#include "core/ControllerRig.h"
 #include "core/cEventStream.h"
-#include "core/cPlugin.h"
-#include "display/cDisplay.h"
-#include "fakes/FakeDrawSurface.h"
-#include "fakes/FakeMeasureSurface.h"
-#include "fakes/FakePluginChannel.h"
-#include "fakes/FakeRandom.h"
-#include "fakes/FakeShell.h"
-#include "fakes/FakeTimer.h"
 #include "lyric/cLyric.h"
 #include "lyric/cMusic.h"
 
 namespace toval::test {
 namespace {
 
-struct Rig {
-    cGlobals globals;
-    FakeShell shell;
-    FakeRandom random{{0.5}};
-    FakeTimer timer;
-    FakePluginChannel channel;
-    FakeDrawSurface surface;
-    FakeMeasureSurface measure;
-    std::shared_ptr<FakeLyricSource> source = std::make_shared<FakeLyricSource>();
-    cPlugin plugin{globals, channel, shell,
-                   [](std::u16string_view key) { return u"<" + std::u16string(key) + u">"; }};
-    RecordingDisplay display{globals, surface, shell};
-    std::shared_ptr<cCore> core;
-    int closes = 0;
-
-    Rig() {
-        core = std::make_shared<cCore>(globals, shell, random, source, [](std::u16string_view key) {
-            return u"msg " + std::u16string(key);
-        });
-        core->setTray(&display);
-        core->setAuxPictureBox(&measure);
-        core->setPlugin(&plugin);
-        core->setTimer(&timer);
-        plugin.setPluginHwnd(0x99);
-        plugin.setCore(core);
-        plugin.onCloseProgram = [this] { ++closes; };
-    }
-    ~Rig() {
-        plugin.setCore(nullptr);
-        core->setTimer(nullptr);
-    }
-    // Wakes the plug-in up and announces a track at playlist position pos.
-    void Playing(int32_t pos, std::u16string lyric, int32_t status = kLyricLocal) {
-        timer.tick();  // wake-up
-        channel.playlistPosition = pos;
-        core->PluginEvent(kEventNewTrack);
-        timer.tick();  // lookup
-        source->text = std::move(lyric);
-        source->Answer(pos, status);
-    }
-};
+using Rig = ControllerRig;
 
 TEST(cCore, WakesThePluginThenPolls) {
     Rig r;
-    r.channel.registerAnswer = 0;  // not yet: the plug-in refuses
     r.timer.tick();
-    EXPECT_TRUE(r.core->Waking());
-    EXPECT_EQ(r.timer.interval, 5000);
-    EXPECT_EQ(r.closes, 1);  // a refused registration closes the program
-    EXPECT_EQ(r.shell.boxes.size(), 1u);
-
-    // While waking, ticks send nothing.
-    r.channel.sent.clear();
-    r.timer.tick();
-    EXPECT_TRUE(r.channel.sent.empty());
-
-    Rig ok;
-    ok.timer.tick();
-    EXPECT_TRUE(ok.core->PluginAlive());
-    EXPECT_FALSE(ok.core->Waking());
-    EXPECT_EQ(ok.timer.interval, 20);
-    EXPECT_TRUE(ok.timer.enabled);
+    EXPECT_EQ(r.State(), "on 20 alive");
     // Idle: every tick polls the position and nothing else.
-    ok.channel.sent.clear();
-    ok.channel.position = 1234;
-    ok.timer.tick();
-    ok.timer.tick();
-    EXPECT_EQ(ok.channel.Count(kCmdPosition), 2);
-    EXPECT_EQ(ok.channel.sent.size(), 2u);
-    EXPECT_EQ(ok.globals.PlayPosition, 1234);
-    EXPECT_TRUE(ok.source->loads.empty());
+    r.channel.sent.clear();
+    r.Tick(1234);
+    r.Tick(1234);
+    EXPECT_EQ(r.channel.Count(kCmdPosition), 2);
+    EXPECT_EQ(r.channel.sent.size(), 2u);
+    EXPECT_EQ(r.globals.PlayPosition, 1234);
+    EXPECT_TRUE(r.fake->loads.empty());
+
+    // A refused registration closes the program; while waking, ticks send nothing.
+    Rig refused;
+    refused.channel.registerAnswer = 0;
+    refused.timer.tick();
+    EXPECT_EQ(refused.State(), "on 5000 waking");
+    EXPECT_EQ(refused.closes, 1);
+    refused.channel.sent.clear();
+    refused.timer.tick();
+    EXPECT_TRUE(refused.channel.sent.empty());
 }
 
 TEST(cCore, NewTrackIsLookedUpOnTheNextTickAndPlayed) {
@@ -102,47 +47,35 @@ TEST(cCore, NewTrackIsLookedUpOnTheNextTickAndPlayed) {
     r.channel.playlistPosition = 7;
     r.plugin.Music()->setFileAddress(u"ab");
     r.core->PluginEvent(kEventNewTrack);
-    EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"Clear"}));
-    EXPECT_EQ(r.globals.PlaylistPosition, 7);
-    EXPECT_EQ(r.globals.TrackID, -2147483355);
-    EXPECT_TRUE(r.core->LoadPending());
-    EXPECT_TRUE(r.timer.enabled);
-
+    EXPECT_EQ(r.display.Take(), (Texts{"Clear"}));
+    EXPECT_EQ(r.State(), "on 20 alive pending at 7 track -2147483355");
     r.timer.tick();
-    EXPECT_EQ(r.source->loads, (std::vector<int32_t>{7}));
-    EXPECT_FALSE(r.core->LoadPending());
-    EXPECT_FALSE(r.core->LyricActive());
+    EXPECT_EQ(r.fake->loads, (std::vector<int32_t>{7}));
+    EXPECT_EQ(r.State(), "on 20 alive at 7 track -2147483355");
     r.timer.tick();  // loading: polls only
-    EXPECT_EQ(r.source->loads.size(), 1u);
+    EXPECT_EQ(r.fake->loads.size(), 1u);
 
-    r.source->text =
-        u"[PROPERTY]\r\nMUTATION:42\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY][1000]a\r\n[2000]b";
+    r.fake->text = u"[PROPERTY]\r\nMUTATION:42\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY][1000]a\r\n[2000]b";
     // The stream is rebuilt with the timer off; messages pumped meanwhile see it off.
     bool timerDuringPump = true;
     r.shell.onDoEvents = [&] { timerDuringPump = r.timer.enabled; };
-    r.source->Answer(7, kLyricLocal);
+    r.fake->Answer(7, kLyricLocal);
     EXPECT_FALSE(timerDuringPump);
-    EXPECT_TRUE(r.core->LyricActive());
-    EXPECT_TRUE(r.timer.enabled);
-    EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"Lyric", "Music"}));
+    EXPECT_EQ(r.State(), "on 20 alive lyric stream at 7 track -2147483355");
+    EXPECT_EQ(r.display.Take(), (Texts{"Lyric", "Music"}));
     EXPECT_EQ(r.display.Music(), r.plugin.Music());
-    ASSERT_TRUE(r.core->Stream());
     EXPECT_EQ(r.core->Stream()->NumEvents(), 2);
     // A local hit asks the service for a newer version of the same lyric.
-    ASSERT_EQ(r.source->loadFroms.size(), 1u);
-    EXPECT_EQ(r.source->loadFroms[0].source, 2);
-    EXPECT_EQ(r.source->loadFroms[0].requestId, 7);
-    EXPECT_EQ(r.source->loadFroms[0].mutation, 42);
-
-    r.channel.position = 1500;
-    r.timer.tick();
-    EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"Choose 0 -2147483648"}));
+    ASSERT_EQ(r.fake->loadFroms.size(), 1u);
+    const auto [source, requestId, mutation] = r.fake->loadFroms[0];
+    EXPECT_EQ(std::tie(source, requestId, mutation), std::tuple(2, 7, 42));
+    EXPECT_EQ(r.At(1500).first, (Texts{"Choose 0 -2147483648"}));
 
     // Other outcomes do not ask again.
     for (int32_t status : {kLyricLocalSimple, kLyricFromService, kLyricNotFound, kLyricWaiting}) {
-        r.source->loadFroms.clear();
-        r.source->Answer(7, status);
-        EXPECT_TRUE(r.source->loadFroms.empty()) << status;
+        r.fake->loadFroms.clear();
+        r.fake->Answer(7, status);
+        EXPECT_TRUE(r.fake->loadFroms.empty()) << status;
     }
 }
 
@@ -159,7 +92,7 @@ TEST(cCore, SlowDownNoticesStepTheIntervalUp) {
     EXPECT_EQ(intervals[1], 60);
     EXPECT_EQ(intervals.back(), 5000);
     // The window is refitted only while polling at the fast interval.
-    EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"ReajustWindow"}));
+    EXPECT_EQ(r.display.Take(), (Texts{"ReajustWindow"}));
 
     // A huge step is an error in the trail, not a wrap to a negative interval.
     r.globals.Settings.timer_TrackPosRefresh = 2147483647;
@@ -185,17 +118,13 @@ TEST(cCore, StoppedForgetsTheTrackAndShowsTheUpdateNoticeOnce) {
         r.Playing(5, u"[1000]a");
         r.display.Take();
         r.core->PluginEvent(kEventStopped);
-        EXPECT_EQ(r.globals.PlaylistPosition, kUnset);
-        EXPECT_EQ(r.globals.TrackID, kUnset);
-        EXPECT_FALSE(r.core->LyricActive());
-        EXPECT_FALSE(r.core->Stream());
-        EXPECT_TRUE(r.timer.enabled);
-        std::vector<std::string> expected{"Clear"};
+        EXPECT_EQ(r.State(), "on 20 alive");
+        Texts expected{"Clear"};
         if (c.notice) expected.push_back("Lyric");
         EXPECT_EQ(r.display.Take(), expected) << c.newest;
         if (!c.notice) continue;
         EXPECT_EQ(r.display.Lyric()->URL(), u"http://lyrics.example/?page=download");
-        EXPECT_EQ(r.display.Lyric()->GetLine(0)->Text(), u"msg TovalNewVersion");
+        EXPECT_EQ(r.display.Lyric()->GetLine(0)->Text(), u"TovalNewVersion");
 
         // Following another link changes nothing; following the download link
         // retires the notice for this version.
@@ -203,13 +132,17 @@ TEST(cCore, StoppedForgetsTheTrackAndShowsTheUpdateNoticeOnce) {
         r.core->onSaveLastShow = [&](int32_t v) { saved.push_back(v); };
         r.core->LinkOpened(u"http://elsewhere.example/");
         EXPECT_TRUE(saved.empty());
-        r.core->LinkOpened(u"http://lyrics.example/?page=download");
+        r.display.Click();
+        EXPECT_EQ(r.shell.links,
+                  (std::vector<std::u16string>{u"http://lyrics.example/?page=download"}));
         EXPECT_EQ(saved, (std::vector<int32_t>{c.newest}));
         EXPECT_EQ(r.globals.Settings.version_LastShow, c.newest);
         EXPECT_FALSE(r.display.Lyric());
         r.display.Take();
-        r.core->PluginEvent(kEventStopped);
-        EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"Clear"}));
+        r.channel.Notice(1);  // stopped again
+        EXPECT_EQ(r.display.Take(), (Texts{"Clear"}));
+        r.display.Click();
+        EXPECT_EQ(r.shell.links.size(), 1u);
     }
 }
 
@@ -217,16 +150,26 @@ TEST(cCore, PlayerClosedLeavesTheTimerOff) {
     for (int32_t code : {kEventPlayerClosed, kEventLinkClosed, kEventLinkClosed2}) {
         Rig r;
         r.Playing(2, u"[1000]a");
-        r.core->PluginEvent(code);
-        EXPECT_FALSE(r.timer.enabled);
-        EXPECT_EQ(r.timer.interval, 5000);
-        EXPECT_FALSE(r.core->PluginAlive());
-        EXPECT_FALSE(r.core->Waking());
-        EXPECT_FALSE(r.core->LyricActive());
-        EXPECT_FALSE(r.core->Stream());
-        EXPECT_EQ(r.globals.TrackID, kUnset);
+        r.display.Take();
+        if (code == kEventPlayerClosed) {
+            EXPECT_EQ(r.channel.Notice(3), 0);  // the plug-in's notice closes the program
+            EXPECT_EQ(r.closes, 1);
+        } else {
+            r.core->PluginEvent(code);
+        }
+        EXPECT_EQ(r.State(), "off 5000");
+        EXPECT_FALSE(r.display.Lyric());
+        EXPECT_EQ(r.display.log, (Texts{"Clear"}));
+        r.channel.sent.clear();
         EXPECT_FALSE(r.timer.tick());
+        EXPECT_TRUE(r.channel.sent.empty());
     }
+    // A plug-in that dies without a word: the zero position closes the program.
+    Rig quiet;
+    quiet.timer.tick();
+    quiet.channel.dead = true;
+    quiet.timer.tick();
+    EXPECT_EQ(quiet.closes, 1);
 }
 
 TEST(cCore, OtherCodesAndResetAndCache) {
@@ -234,31 +177,26 @@ TEST(cCore, OtherCodesAndResetAndCache) {
     r.Playing(2, u"[1000]a");
     r.globals.TrackID = 11;
     r.core->PluginEvent(kEventForget);
-    EXPECT_EQ(r.globals.PlaylistPosition, kUnset);
-    EXPECT_EQ(r.globals.TrackID, kUnset);
-    EXPECT_TRUE(r.core->LyricActive());
-
+    EXPECT_EQ(r.State(), "on 20 alive lyric stream");
     r.display.Take();
     for (int32_t code : {3, 5, 65, 128, -1, kUnset})
         r.core->PluginEvent(code);
     EXPECT_TRUE(r.display.Take().empty());
-    EXPECT_TRUE(r.core->LyricActive());
+    EXPECT_EQ(r.State(), "on 20 alive lyric stream");
 
     // Reset looks the current track up again, only while playing.
     r.core->Reset();
-    EXPECT_TRUE(r.core->LoadPending());
-    EXPECT_FALSE(r.core->LyricActive());
+    EXPECT_EQ(r.State(), "on 20 alive pending stream at 2");
     Rig idle;
     idle.timer.tick();
     idle.core->Reset();
-    EXPECT_FALSE(idle.core->LoadPending());
+    EXPECT_EQ(idle.State(), "on 20 alive");
 
     r.core->ClearCache();
-    EXPECT_EQ(r.source->cacheClears, 1);
+    EXPECT_EQ(r.fake->cacheClears, 1);
 
     r.core->preClose();
-    EXPECT_FALSE(r.timer.enabled);
-    EXPECT_FALSE(r.core->PluginAlive());
+    EXPECT_EQ(r.State(), "off 20 pending stream at 2");
 }
 
 TEST(cCore, ALongerRecordingIsFittedToTheTrackInEitherUnit) {
@@ -285,7 +223,7 @@ TEST(cCore, StreamEventsReachTheDisplayOnlyWhileALyricIsActive) {
     r.Playing(1, u"[1000]a\r\n[2000]<2000>b <3000>c");
     r.display.Take();
     r.core->ces_Stream_LoadEvent(line, word);
-    EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"Choose 1 2"}));
+    EXPECT_EQ(r.display.Take(), (Texts{"Choose 1 2"}));
 }
 
 }  // namespace

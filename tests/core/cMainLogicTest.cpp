@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -43,8 +41,7 @@ struct Program {
     Program() {
         shell.programFolder = dir.folder();
         shell.specialFolder = dir.path().u16string();
-        std::ofstream(dir.path() / "enus.ini", std::ios::binary)
-            << "[msg]\r\nStartErrorNoHandle=No player found\r\nAttentionTitle=Attention\r\n";
+        dir.Write("enus.ini", "[msg]\r\nStartErrorNoHandle=No player found\r\nAttentionTitle=Attention\r\n");
         main = std::make_unique<cMainLogic>(
             globals, cMainLogic::Parts{shell, channel, ini, clock, poll, destroy, surface, measure},
             [this](cConfig&, Random&, const std::shared_ptr<cMusic>& track) {
@@ -60,12 +57,6 @@ struct Program {
         };
         main->onUnloadForms = [this] { log.push_back("unload forms"); };
         main->onQuit = [this] { log.push_back("quit"); };
-    }
-    std::string ConfigText() const {
-        std::ifstream in(dir.path() / "Toval" / "config.ini", std::ios::binary);
-        std::stringstream s;
-        s << in.rdbuf();
-        return s.str();
     }
 };
 
@@ -146,19 +137,12 @@ TEST(cMainLogic, ANumericCommandLineIsThePluginWindow) {
 }
 
 TEST(cMainLogic, FailuresGoToErrorLogInTheProgramFolderWhileTheProgramRuns) {
-    std::filesystem::path file;
-    {
-        Program p;
-        file = p.dir.path() / "Error.log";
-        ASSERT_TRUE(p.main->Form_Load(u"77"));
-        ErrorTrail({"cThing.Work", "broken"});
-        std::ifstream in(file, std::ios::binary);
-        std::stringstream text;
-        text << in.rdbuf();
-        EXPECT_NE(text.str().find(" - cThing.Work ; broken\r\n"), std::string::npos);
-        p.main.reset();
-        EXPECT_EQ(ErrorTrailLog(), nullptr) << "the program's log goes with the program";
-    }
+    Program p;
+    ASSERT_TRUE(p.main->Form_Load(u"77"));
+    ErrorTrail({"cThing.Work", "broken"});
+    EXPECT_NE(p.dir.Read("Error.log").find(" - cThing.Work ; broken\r\n"), std::string::npos);
+    p.main.reset();
+    EXPECT_EQ(ErrorTrailLog(), nullptr) << "the program's log goes with the program";
 }
 
 TEST(cMainLogic, CloseIsDeferredAndTheTeardownRunsOnce) {
@@ -184,7 +168,7 @@ TEST(cMainLogic, CloseIsDeferredAndTheTeardownRunsOnce) {
     EXPECT_EQ(p.main->Display()->Window(), kModeDetached);
     EXPECT_EQ(p.globals.Settings.window_mode, kModeTray);
     EXPECT_EQ(p.log, (std::vector<std::string>{"stop auxiliary", "unload forms", "quit"}));
-    EXPECT_NE(p.ConfigText().find("window_mode=1"), std::string::npos);
+    EXPECT_NE(p.dir.Read("Toval/config.ini").find("window_mode=1"), std::string::npos);
     // The unhooked handler takes nothing any more.
     EXPECT_EQ(p.channel.Notice(4), -1);
 

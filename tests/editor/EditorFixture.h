@@ -55,6 +55,8 @@ class EditorTest : public ::testing::Test {
         editor.cmdNext_Click();
     }
 
+    // The whole lyric as line records, every time in place.
+    std::u16string Records() const { return editor.Lyric()->Load(); }
     // Times: the line's own and, per word, the word's.
     std::shared_ptr<cLyricLine> Line(int32_t l) { return editor.Lyric()->GetLine(l); }
     std::shared_ptr<cLyricWord> Word(int32_t l, int32_t w) { return Line(l)->GetWord(w); }

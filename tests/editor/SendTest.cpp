@@ -1,4 +1,7 @@
 // Sending through the real service object, with the test as the server.
+#include <functional>
+#include <tuple>
+
 #include "EditorFixture.h"
 #include "fakes/FakeSocket.h"
 #include "net/cTovalSite.h"
@@ -11,7 +14,7 @@ class SendTest : public EditorTest {
     void SetUp() override {
         globals.Settings.conn_Server = u"lyrics.test";
         editor.setSenderFactory([this] {
-            auto site = std::make_shared<cTovalSite>(globals);
+            site = std::make_shared<cTovalSite>(globals);
             site->setSocket(socket);
             site->setTime(netTimer);
             ++made;
@@ -28,34 +31,50 @@ class SendTest : public EditorTest {
         socket->hangUp();
     }
 
+    std::shared_ptr<cTovalSite> site;
     std::shared_ptr<FakeSocket> socket = std::make_shared<FakeSocket>();
     std::shared_ptr<FakeTimer> netTimer = std::make_shared<FakeTimer>();
     int made = 0;
 };
 
-TEST_F(SendTest, TheServicesAnswerReachesTheUser) {
-    editor.cmdInternet_Click();
-    ASSERT_EQ(socket->connects.size(), 1u);
-    EXPECT_EQ(socket->connects[0].host, "lyrics.test");
-    bool cancel = false;
-    editor.Form_Unload(cancel);
-    EXPECT_TRUE(cancel);
-    Serve("<TOVAL>:SUCCESS</TOVAL>");
+TEST_F(SendTest, TheServicesAnswerReachesTheUserAndHoldsTheWindowOpenMeanwhile) {
+    const std::tuple<std::function<void()>, std::u16string, std::u16string, int32_t> cases[] = {
+        {[&] { Serve("<TOVAL>:SUCCESS</TOVAL>"); }, u"{TovalSentOk}", u"{TovalSentOkTitle}",
+         kMbIconInformation},
+        {[&] { Serve("<TOVAL>:SQL_ERROR</TOVAL>"); }, u"{TovalSentSqlError}",
+         u"{TovalSentSqlErrorTitle}", kMbIconError},
+        {[&] { socket->fail(); }, u"{TovalSentFail}", u"{TovalSentFailTitle}", kMbIconError},
+    };
+    for (const auto& [answer, text, title, flags] : cases) {
+        editor.cmdInternet_Click();
+        EXPECT_TRUE(editor.Sending());
+        EXPECT_FALSE(view.enabled[eEditorControl::cmdInternet]);
+        bool cancel = false;
+        editor.Form_Unload(cancel);  // refused while the answer is awaited
+        EXPECT_TRUE(cancel);
+        // A stale answer is ignored.
+        site->onToval(1, -12345);
+        EXPECT_TRUE(editor.Sending());
+        // Closing is refused while the message box is up, too.
+        view.onMessage = [&] {
+            bool again = false;
+            editor.Form_Unload(again);
+            EXPECT_TRUE(again);
+        };
+        answer();
+        view.onMessage = nullptr;
+        ASSERT_FALSE(view.boxes.empty());
+        EXPECT_EQ(view.boxes.back().text, text);
+        EXPECT_EQ(view.boxes.back().title, title);
+        EXPECT_EQ(view.boxes.back().flags, flags);
+        EXPECT_FALSE(editor.Sending());
+        EXPECT_TRUE(view.enabled[eEditorControl::cmdInternet]);
+        EXPECT_TRUE(editor.Sent());  // since the first answer
+    }
     EXPECT_NE(socket->sent.find("tvl_insert.php"), std::string::npos);
     EXPECT_NE(socket->sent.find("%3C1200%3E"), std::string::npos);  // the word time
-    ASSERT_EQ(view.boxes.size(), 1u);
-    EXPECT_EQ(view.boxes[0].text, u"{TovalSentOk}");
-    EXPECT_TRUE(editor.Sent());
-    EXPECT_FALSE(editor.Sending());
-
-    editor.cmdInternet_Click();
-    Serve("<TOVAL>:SQL_ERROR</TOVAL>");
-    EXPECT_EQ(view.boxes.back().text, u"{TovalSentSqlError}");
-    editor.cmdInternet_Click();
-    socket->fail();
-    EXPECT_EQ(view.boxes.back().text, u"{TovalSentFail}");
-    EXPECT_FALSE(editor.Sending());
-    EXPECT_EQ(made, 1);
+    EXPECT_EQ(made, 1);                                             // made on first use only
+    bool cancel = true;
     editor.Form_Unload(cancel);
     EXPECT_FALSE(cancel);
 }

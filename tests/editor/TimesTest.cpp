@@ -20,16 +20,6 @@ class TimesTest : public EditorTest {
         editor.Form_Load(music);
         editor.updateStep(2);
     }
-    // Every time in walk order: line times then word times, line by line.
-    std::vector<Ints> All() {
-        std::vector<Ints> out;
-        for (int32_t l = 0; l < editor.Lyric()->GetLineSize(); ++l) {
-            out.push_back(Times(Line(l)));
-            for (int32_t w = 0; w < Line(l)->GetWordSize(); ++w)
-                out.push_back(Times(Word(l, w)));
-        }
-        return out;
-    }
 };
 
 TEST_F(TimesTest, LimitsDeleteDelayAndAdjustOverARange) {
@@ -41,27 +31,24 @@ TEST_F(TimesTest, LimitsDeleteDelayAndAdjustOverARange) {
     EXPECT_EQ(high, 31000);
 
     editor.setDelay(-500, 0, 5000);  // nothing clamped: 200 becomes -300
-    EXPECT_EQ(All(),
-              (std::vector<Ints>{{-300}, {-300}, {12000}, {4500, 30000}, {4500}, {5500, 31000}}));
+    EXPECT_EQ(Records(), u"[-300]<-300>a <12000>b\r\n[4500][30000]<4500>c <5500><31000>d\r\n");
 
     // Adjust onto the same span changes nothing; a real one is linear with
     // halves to even: (t - 4500) * 0.5 + 1000.
     editor.setAdjust(1.0, 4500, 4500, 5500);
-    EXPECT_EQ(All()[3], (Ints{4500, 30000}));
+    EXPECT_EQ(Records(), u"[-300]<-300>a <12000>b\r\n[4500][30000]<4500>c <5500><31000>d\r\n");
     editor.setAdjust(0.5, 1000, 4500, 5500);
-    EXPECT_EQ(All(),
-              (std::vector<Ints>{{-300}, {-300}, {12000}, {1000, 30000}, {1000}, {1500, 31000}}));
+    EXPECT_EQ(Records(), u"[-300]<-300>a <12000>b\r\n[1000][30000]<1000>c <1500><31000>d\r\n");
     editor.setAdjust(0.0005, 0, 1000, 1000);  // 0 * factor: start goes to newStart
-    EXPECT_EQ(All()[3], (Ints{0, 30000}));
+    EXPECT_EQ(Records(), u"[-300]<-300>a <12000>b\r\n[0][30000]<0>c <1500><31000>d\r\n");
     editor.setAdjust(1.0 / 3.0, 0, 30000, 31000);  // 333.33 -> 333; 0 -> 0
-    EXPECT_EQ(All()[3], (Ints{0, 0}));
-    EXPECT_EQ(All()[5], (Ints{1500, 333}));
+    EXPECT_EQ(Records(), u"[-300]<-300>a <12000>b\r\n[0][0]<0>c <1500><333>d\r\n");
     editor.setAdjust(0.5, 0, 12000, 12001);  // 0.5 of 1 rounds to 0 (even)
     editor.setAdjust(0.5, 0, 12000, 12000);
-    EXPECT_EQ(All()[2], (Ints{0}));
+    EXPECT_EQ(Records(), u"[-300]<-300>a <0>b\r\n[0][0]<0>c <1500><333>d\r\n");
 
     editor.delTimes(0, 1000);  // inclusive at both ends
-    EXPECT_EQ(All(), (std::vector<Ints>{{-300}, {-300}, {}, {}, {}, {1500}}));
+    EXPECT_EQ(Records(), u"[-300]<-300>a <>b\r\n[]<>c <1500>d\r\n");
     editor.delTimes(INT32_MIN, INT32_MAX);
     EXPECT_FALSE(editor.HasTimes());
     editor.getTimerLimits(low, high);
@@ -150,7 +137,7 @@ TEST_F(TimesTest, AdvancedEditingAppliesTheChosenAction) {
     };
     const int32_t before = editor.Lyric()->Mutation();
     editor.mnuAdv_Click();
-    EXPECT_EQ(All(), (std::vector<Ints>{{0}, {0}, {2000}, {4000}, {4000}, {8000}}));
+    EXPECT_EQ(Records(), u"[0]<0>a <2000>b\r\n[4000]<4000>c <8000>d\r\n");
     EXPECT_NE(editor.Lyric()->Mutation(), before);
 
     // A refused OK keeps the dialog open; the user fixes the field.
@@ -164,7 +151,7 @@ TEST_F(TimesTest, AdvancedEditingAppliesTheChosenAction) {
     };
     editor.mnuAdv_Click();
     EXPECT_EQ(view.advRefused, Ints{cEditAdvTime::kTo});
-    EXPECT_EQ(All(), (std::vector<Ints>{{0}, {0}, {2250}, {4250}, {4250}, {8000}}));
+    EXPECT_EQ(Records(), u"[0]<0>a <2250>b\r\n[4250]<4250>c <8000>d\r\n");
 
     // Delete without a range: every time goes.
     view.onAdv = [](cEditAdvTime& d) {
@@ -184,10 +171,10 @@ TEST_F(TimesTest, AdvancedEditingAppliesTheChosenAction) {
     // Every step that changed something undoes; the empty adjust left none.
     EXPECT_EQ(editor.History().UndoSize(), 3u);
     EXPECT_TRUE(editor.Undo());
-    EXPECT_EQ(All()[2], (Ints{2250}));
+    EXPECT_EQ(Records(), u"[0]<0>a <2250>b\r\n[4250]<4250>c <8000>d\r\n");
     EXPECT_TRUE(editor.Undo());
     EXPECT_TRUE(editor.Undo());
-    EXPECT_EQ(All()[2], (Ints{2000}));
+    EXPECT_EQ(Records(), u"[1000]<1000>a <2000>b\r\n[3000]<3000>c <5000>d\r\n");
     EXPECT_FALSE(editor.Undo());
 }
 

@@ -101,13 +101,14 @@ TEST_F(UndoTest, StampsUndoAndRedoWithTheKeysAndEachChangeMutates) {
     EXPECT_FALSE(editor.CanUndo());
 }
 
-TEST_F(UndoTest, UndoInPreviewRebuildsTheStreamOnTheRestoredTimes) {
+TEST_F(UndoTest, UndoInPreviewRebuildsTheStreamAndFoldingHappensOnce) {
     globals.Settings.edt_AutoImplode = true;
     StartTiming(u"la la\r\n\r\nla la");
     for (int i = 1; i <= 8; ++i)
         Press(kKeyRight, i * 1000);
     editor.cmdNext_Click();
-    ASSERT_EQ(editor.Lyric()->GetLineSize(), 2);
+    // The copy went; the empty line before it stays, as the last line.
+    ASSERT_EQ(Records(), u"[1000][5000]<2000><6000>la<> <3000><8000>la\r\n[4000]\r\n");
     const int32_t foldedEvents = editor.Stream()->NumEvents();
     EXPECT_TRUE(editor.Undo());
     EXPECT_EQ(editor.Lyric()->GetLineSize(), 3);
@@ -119,6 +120,14 @@ TEST_F(UndoTest, UndoInPreviewRebuildsTheStreamOnTheRestoredTimes) {
     EXPECT_TRUE(editor.Redo());
     EXPECT_EQ(editor.Lyric()->GetLineSize(), 2);
     EXPECT_EQ(editor.Stream()->EventTimeObject(0), Line(0)->GetTime(0));
+    // A lyric built again from the text after a reset is not folded while
+    // the window stays open.
+    editor.cmdBack_Click();
+    view.boxAnswer = kIdYes;
+    editor.cmdReset_Click();
+    editor.cmdNext_Click();
+    editor.cmdNext_Click();
+    EXPECT_EQ(editor.Lyric()->GetLineSize(), 3);
 }
 
 TEST_F(UndoTest, WholeSessionFromTextToSavedFile) {

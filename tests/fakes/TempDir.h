@@ -2,6 +2,8 @@
 #pragma once
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <random>
 #include <string>
 
@@ -30,6 +32,15 @@ class TempDir {
         return text;
     }
     std::u16string file(const std::u16string& name) const { return folder() + name; }
+
+    // The bytes of a file in the folder (none when it is missing), and writing them.
+    std::string Read(const std::filesystem::path& name) const {
+        std::ifstream in(path_ / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    }
+    void Write(const std::filesystem::path& name, const std::string& bytes) const {
+        std::ofstream(path_ / name, std::ios::binary) << bytes;
+    }
 
   private:
     std::filesystem::path path_;
