@@ -9,6 +9,8 @@ packages=(
     mingw-w64 g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix
     wine wine64
     libsqlite3-dev
+    # toval-lyric reads audio tags; its tests make audio files to read
+    libtag1-dev sox libsox-fmt-base libsox-fmt-mp3 flac
 )
 missing=()
 for p in "${packages[@]}"; do
@@ -18,6 +20,7 @@ if ((${#missing[@]})); then
     sudo=""
     [ "$(id -u)" = 0 ] || sudo="sudo"
     export DEBIAN_FRONTEND=noninteractive
+    echo "deps.sh: installing ${missing[*]} (once; this can take a few minutes)" >&2
     $sudo apt-get update -qq
     $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 fi

@@ -92,13 +92,16 @@ cCliArgs cCliArgs::Parse(const std::vector<std::string>& args) {
             if (i + 1 >= args.size()) return fail("option '" + name + "' needs a value");
             value = args[++i];
         }
-        if (name == "--artist")
+        if (name == "--artist") {
             a.artist = value;
-        else if (name == "--title")
+            a.artistGiven = true;
+        } else if (name == "--title") {
             a.title = value;
-        else if (name == "--album")
+            a.titleGiven = true;
+        } else if (name == "--album") {
             a.album = value;
-        else if (name == "--server")
+            a.albumGiven = true;
+        } else if (name == "--server")
             a.server = value;
         else if (name == "--cache")
             a.cache = value;

@@ -21,6 +21,9 @@ struct cCliArgs {
     // The track's tags.
     std::string artist, title, album;
     int32_t duration = -1;  // seconds; -1 when not given
+    // Given on the command line, even as empty text; lookup reads the others
+    // from the track's own tags.
+    bool artistGiven = false, titleGiven = false, albumGiven = false;
 
     std::string server;                  // the lyric service host; empty: ask no service
     int32_t timeout = kInternetTimeout;  // ms of silence before the service counts as failed

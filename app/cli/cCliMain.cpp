@@ -13,6 +13,7 @@
 #include "lyric/cLyric.h"
 #include "lyric/cMusic.h"
 #include "lyric/cTime.h"
+#include "mAudioTags.h"
 #include "net/cCache.h"
 #include "net/cNetError.h"
 #include "net/cTovalSite.h"
@@ -53,6 +54,21 @@ std::shared_ptr<cMusic> TrackOf(const cCliArgs& a) {
     // service and the cache key then see 0 seconds.
     track->setMiliDuration(a.duration >= 0 ? a.duration * 1000 : 0);
     return track;
+}
+
+// The command line's tags, and the track file's own for those it leaves out.
+cCliArgs WithFileTags(const cCliArgs& given) {
+    cCliArgs a = given;
+    const cAudioTags file = ReadAudioTags(given.file);
+    if (!a.artistGiven) a.artist = file.artist;
+    if (!a.titleGiven) a.title = file.title;
+    if (!a.albumGiven) a.album = file.album;
+    if (a.duration < 0 && file.milliseconds >= 0) {
+        cMusic length;  // seconds as the track record rounds them
+        length.setMiliDuration(file.milliseconds);
+        a.duration = length.Duration();
+    }
+    return a;
 }
 
 // "mm:ss.cc" per line time, then the display text.
@@ -108,7 +124,8 @@ const char* cCliMain::Usage() {
            "  convert FILE   write a lyric file as tvl, lrc or plain text\n"
            "  send FILE      send a lyric file to the lyric service\n"
            "\n"
-           "Track (lookup, send; lrc output of convert):\n"
+           "Track (lookup reads them from the track file's own tags and these override\n"
+           "them; send and the lrc output of convert take them from here):\n"
            "  --artist TEXT  --title TEXT  --album TEXT  --duration SECONDS\n"
            "Service:\n"
            "  --server HOST[:PORT]  the lyric service; lookup asks it only when given\n"
@@ -227,7 +244,8 @@ int cCliMain::Convert(const cCliArgs& a) {
     return kExitOk;
 }
 
-int cCliMain::Lookup(const cCliArgs& a) {
+int cCliMain::Lookup(const cCliArgs& given) {
+    const cCliArgs a = WithFileTags(given);
     cGlobals globals;
     globals.Settings.cache_simple = !a.saveBeside;
     globals.Settings.conn_Server = Text(a.server);
