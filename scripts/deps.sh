@@ -9,6 +9,8 @@ packages=(
     mingw-w64 g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix
     wine wine64
     libsqlite3-dev
+    # the lyric service
+    libcpp-httplib-dev libpqxx-dev libtag1-dev postgresql pkg-config
 )
 missing=()
 for p in "${packages[@]}"; do
