@@ -11,6 +11,8 @@ packages=(
     libsqlite3-dev
     # toval-lyric reads audio tags; its tests make audio files to read
     libtag1-dev sox libsox-fmt-base libsox-fmt-mp3 flac
+    # the lyric service
+    libcpp-httplib-dev libpqxx-dev libtag1-dev postgresql pkg-config
 )
 missing=()
 for p in "${packages[@]}"; do
