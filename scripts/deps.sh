@@ -9,6 +9,8 @@ packages=(
     mingw-w64 g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix
     wine wine64
     libsqlite3-dev
+    # the Linux desktop program, its demo and its tests on a virtual display
+    qt6-base-dev mpv mpv-mpris xvfb xauth x11-apps x11-utils imagemagick dbus dbus-x11 flac sox
 )
 missing=()
 for p in "${packages[@]}"; do
