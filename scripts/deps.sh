@@ -13,6 +13,8 @@ packages=(
     libtag1-dev sox libsox-fmt-base libsox-fmt-mp3 flac
     # the lyric service
     libcpp-httplib-dev libpqxx-dev libtag1-dev postgresql pkg-config
+    # the Linux desktop program, its demo and its tests on a virtual display
+    qt6-base-dev mpv mpv-mpris xvfb xauth x11-apps x11-utils imagemagick dbus dbus-x11 flac sox
 )
 missing=()
 for p in "${packages[@]}"; do

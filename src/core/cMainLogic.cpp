@@ -59,7 +59,9 @@ cMainLogic::~cMainLogic() {
 void cMainLogic::UseProgramFolder(const std::u16string& folder) {
     globals_.ProgramFolder = WithSeparator(folder);
     if (globals_.ProgramFolder.empty()) return;
-    auto log = std::make_unique<cErrorLog>(globals_.ProgramFolder, parts_.clock);
+    const std::u16string logFolder =
+        parts_.logFolder.empty() ? globals_.ProgramFolder : WithSeparator(parts_.logFolder);
+    auto log = std::make_unique<cErrorLog>(logFolder, parts_.clock);
     setErrorTrail(log.get());
     errorLog_ = std::move(log);
 }

@@ -51,6 +51,8 @@ class cMainLogic {
         MeasureSurface& measure;  // the auxiliary picture box
         // The optional string library's loader; nullptr: built-in conversions only.
         StringsLibraryLoader* strings = nullptr;
+        // Where Error.log goes; empty: the program folder (the Windows way).
+        std::u16string logFolder = {};
     };
     // Builds the lyric lookup of a new core (a cLyricFile with the window's
     // socket and timer) for the plug-in's track record.

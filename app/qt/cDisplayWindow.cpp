@@ -1,0 +1,215 @@
+#include "cDisplayWindow.h"
+
+#include <QGuiApplication>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScreen>
+#include <algorithm>
+#include <cmath>
+
+#include "cQtPicture.h"
+#include "display/cDisplay.h"
+
+namespace toval {
+
+namespace {
+
+constexpr int kEdge = 6;       // the width of the resizing border
+constexpr int kGlideMs = 160;  // a change of line glides this long
+constexpr int kGlideStepMs = 16;
+constexpr int kMinWidth = 120, kMinHeight = 32;
+
+int Pixels(int32_t twips) {
+    return static_cast<int>(twips / 15);
+}
+
+}  // namespace
+
+cDisplayWindow::cDisplayWindow(cGlobals& globals, cQtPicture& picture)
+    : QWidget(nullptr), globals_(globals), picture_(picture) {
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_NoSystemBackground);
+    setMouseTracking(true);
+    setWindowTitle(QStringLiteral("Toval"));
+    glide_.setInterval(kGlideStepMs);
+    connect(&glide_, &QTimer::timeout, this, &cDisplayWindow::Step);
+    picture_.onRefresh = [this] { update(); };
+}
+
+void cDisplayWindow::Attach(cDisplay& display) {
+    display_ = &display;
+    display.onWindowChanged = [this](int32_t mode) { ApplyMode(mode); };
+    display.onCurrentLine = [this](const cRect& box) { ScrollTo(box); };
+    display.onRedrawn = [this](const cRect& box) {
+        lyricWidth_ = box.Right - box.Left;
+        targetY_ = shownY_ = 0;
+        update();
+    };
+    display.onReajustWindow = [this] { ApplyMode(mode_); };
+}
+
+void cDisplayWindow::Detach() {
+    if (!display_) return;
+    display_->onWindowChanged = nullptr;
+    display_->onCurrentLine = nullptr;
+    display_->onRedrawn = nullptr;
+    display_->onReajustWindow = nullptr;
+    display_ = nullptr;
+}
+
+void cDisplayWindow::ApplySettings() {
+    ApplyMode(mode_);
+}
+
+void cDisplayWindow::ApplyMode(int32_t mode) {
+    mode_ = mode;
+    applying_ = true;
+    const cSettings& s = globals_.Settings;
+    Qt::WindowFlags flags = Qt::FramelessWindowHint | Qt::Tool;
+    if (s.effect_AlwaysOnTop || mode == kModeTray) flags |= Qt::WindowStaysOnTopHint;
+    if (mode == kModeTray) flags |= Qt::WindowDoesNotAcceptFocus;
+    if (windowFlags() != flags) setWindowFlags(flags);
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    const QRect area = screen ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
+    if (mode == kModeWindow) {
+        QRect r(Pixels(s.pos_WinLeft), Pixels(s.pos_WinTop), Pixels(s.size_WinWidth),
+                Pixels(s.size_WinHeight));
+        r.setWidth(std::clamp(r.width(), kMinWidth, std::max(kMinWidth, area.width())));
+        r.setHeight(std::clamp(r.height(), kMinHeight, std::max(kMinHeight, area.height())));
+        // A window left on a screen that is gone comes back into view.
+        if (!area.intersects(r)) r.moveCenter(area.center());
+        setGeometry(r);
+        show();
+    } else if (mode == kModeTray) {
+        const int line = picture_.TextExtent(u"").cy;
+        const int height = std::max(line + 2 * std::clamp(s.tray_Border, 0, 40) / 3, 16);
+        const int width = std::clamp(area.width() / 3, 200, std::max(200, area.width()));
+        setGeometry(area.right() - width + 1, area.bottom() - height + 1, width, height);
+        show();
+    } else {
+        hide();
+    }
+    applying_ = false;
+    update();
+}
+
+void cDisplayWindow::ScrollTo(const cRect& line) {
+    targetY_ = (line.Top + line.Bottom) / 2.0;
+    if (mode_ == kModeTray || !isVisible()) {
+        shownY_ = targetY_;
+        return;
+    }
+    glideClock_.start();
+    if (!glide_.isActive()) glide_.start();
+}
+
+void cDisplayWindow::Step() {
+    const double done = std::min(1.0, glideClock_.elapsed() / static_cast<double>(kGlideMs));
+    shownY_ += (targetY_ - shownY_) * done;
+    if (done >= 1.0 || std::abs(targetY_ - shownY_) < 0.5) {
+        shownY_ = targetY_;
+        glide_.stop();
+    }
+    update();
+}
+
+void cDisplayWindow::paintEvent(QPaintEvent*) {
+    QPainter p(this);
+    QColor background = ColorOf(picture_.Background());
+    background.setAlpha(globals_.Settings.effect_Alpha);
+    p.setCompositionMode(QPainter::CompositionMode_Source);
+    p.fillRect(rect(), background);
+    const QImage& image = picture_.Image();
+    if (!image.isNull()) {
+        const double x = std::round((width() - lyricWidth_) / 2.0);
+        const double y = std::round(this->height() / 2.0 - shownY_);
+        p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        p.drawImage(QPointF(x, y), image);
+    }
+    if (onPainted) onPainted();
+}
+
+Qt::Edges cDisplayWindow::EdgesAt(const QPoint& pos) const {
+    Qt::Edges edges;
+    if (mode_ != kModeWindow) return edges;
+    if (pos.x() < kEdge) edges |= Qt::LeftEdge;
+    if (pos.x() >= width() - kEdge) edges |= Qt::RightEdge;
+    if (pos.y() < kEdge) edges |= Qt::TopEdge;
+    if (pos.y() >= height() - kEdge) edges |= Qt::BottomEdge;
+    return edges;
+}
+
+void cDisplayWindow::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::RightButton) {
+        if (onMenu) onMenu(event->globalPosition().toPoint());
+        return;
+    }
+    if (event->button() != Qt::LeftButton) return;
+    dragging_ = true;
+    moved_ = false;
+    dragEdges_ = EdgesAt(event->position().toPoint());
+    pressGlobal_ = event->globalPosition().toPoint();
+    pressGeometry_ = geometry();
+}
+
+void cDisplayWindow::mouseMoveEvent(QMouseEvent* event) {
+    if (!dragging_) {
+        const Qt::Edges e = EdgesAt(event->position().toPoint());
+        if ((e & (Qt::LeftEdge | Qt::RightEdge)) && (e & (Qt::TopEdge | Qt::BottomEdge)))
+            setCursor((e == (Qt::LeftEdge | Qt::TopEdge) || e == (Qt::RightEdge | Qt::BottomEdge))
+                          ? Qt::SizeFDiagCursor
+                          : Qt::SizeBDiagCursor);
+        else if (e & (Qt::LeftEdge | Qt::RightEdge))
+            setCursor(Qt::SizeHorCursor);
+        else if (e & (Qt::TopEdge | Qt::BottomEdge))
+            setCursor(Qt::SizeVerCursor);
+        else
+            unsetCursor();
+        return;
+    }
+    const QPoint delta = event->globalPosition().toPoint() - pressGlobal_;
+    if (!moved_ && delta.manhattanLength() < 3) return;
+    moved_ = true;
+    if (mode_ != kModeWindow) return;
+    QRect r = pressGeometry_;
+    if (!dragEdges_) {
+        r.translate(delta);
+    } else {
+        if (dragEdges_ & Qt::LeftEdge)
+            r.setLeft(std::min(r.left() + delta.x(), r.right() - kMinWidth));
+        if (dragEdges_ & Qt::RightEdge)
+            r.setRight(std::max(r.right() + delta.x(), r.left() + kMinWidth));
+        if (dragEdges_ & Qt::TopEdge)
+            r.setTop(std::min(r.top() + delta.y(), r.bottom() - kMinHeight));
+        if (dragEdges_ & Qt::BottomEdge)
+            r.setBottom(std::max(r.bottom() + delta.y(), r.top() + kMinHeight));
+    }
+    setGeometry(r);
+}
+
+void cDisplayWindow::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || !dragging_) return;
+    dragging_ = false;
+    // A click, not a drag: a lyric with a link opens it.
+    if (!moved_ && display_) display_->Click();
+}
+
+void cDisplayWindow::StoreGeometry() {
+    if (applying_ || mode_ != kModeWindow || !isVisible()) return;
+    cSettings& s = globals_.Settings;
+    const QRect r = geometry();
+    s.pos_WinLeft = r.x() * 15;
+    s.pos_WinTop = r.y() * 15;
+    s.size_WinWidth = r.width() * 15;
+    s.size_WinHeight = r.height() * 15;
+}
+
+void cDisplayWindow::moveEvent(QMoveEvent*) {
+    StoreGeometry();
+}
+
+void cDisplayWindow::resizeEvent(QResizeEvent*) {
+    StoreGeometry();
+}
+
+}  // namespace toval

@@ -1,0 +1,172 @@
+#include "cQtProgram.h"
+
+#include <QApplication>
+#include <QDBusConnection>
+#include <QIcon>
+#include <QMessageBox>
+#include <QPainter>
+#include <QPixmap>
+#include <chrono>
+
+#include "base/cErrorLog.h"
+#include "base/mString.h"
+#include "cQtSocket.h"
+#include "config/cConfig.h"
+#include "core/cCore.h"
+#include "core/cEventStream.h"
+#include "core/cLyricFile.h"
+#include "core/cMainLogic.h"
+#include "display/cDisplay.h"
+
+namespace toval {
+
+namespace {
+
+int64_t MonotonicMs() {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+// The tray icon, drawn: no image file to find at run time.
+QIcon ProgramIcon() {
+    QIcon icon = QIcon::fromTheme(QStringLiteral("toval"));
+    if (!icon.isNull()) return icon;
+    QPixmap pixmap(64, 64);
+    pixmap.fill(Qt::transparent);
+    QPainter p(&pixmap);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setBrush(QColor(0x24, 0x5d, 0xdb));
+    p.setPen(Qt::NoPen);
+    p.drawRoundedRect(QRectF(2, 2, 60, 60), 12, 12);
+    QFont font;
+    font.setBold(true);
+    font.setPixelSize(44);
+    p.setFont(font);
+    p.setPen(Qt::white);
+    p.drawText(QRect(0, 0, 64, 64), Qt::AlignCenter, QStringLiteral("T"));
+    return QIcon(pixmap);
+}
+
+}  // namespace
+
+cQtProgram::cQtProgram(Options options)
+    : options_(std::move(options)),
+      shell_(cQtShell::DefaultDataFolder()),
+      bridge_(QDBusConnection::sessionBus(), options_.player),
+      window_(globals_, picture_) {
+    destroy_.setInterval(10);
+    if (!options_.tracePath.isEmpty())
+        trace_ = std::fopen(options_.tracePath.toLocal8Bit().constData(), "w");
+    cMainLogic::Parts parts{shell_, bridge_, ini_, clock_, poll_, destroy_, picture_, picture_};
+    parts.logFolder = cQtShell::StateFolder();
+    logic_ = std::make_unique<cMainLogic>(
+        globals_, parts,
+        [this](cConfig& config, Random& random, const std::shared_ptr<cMusic>& track) {
+            auto loader = std::make_shared<cLyricFile>(globals_, shell_, random, &config);
+            loader->setMusic(track);
+            loader->setSocket(std::make_shared<cQtSocket>());
+            loader->setTime(std::make_shared<cQtTimer>());
+            return loader;
+        });
+    logic_->onApplyLanguage = [this](mLanguage&) {
+        shell_.setRightToLeft(globals_.RightToLeft);
+        window_.setLayoutDirection(globals_.RightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+        menu_.setLayoutDirection(window_.layoutDirection());
+        picture_.setFont(globals_.Settings);
+    };
+    logic_->onDisplayLoaded = [this](cDisplay& display) {
+        picture_.setPixelRatio(window_.devicePixelRatioF());
+        window_.Attach(display);
+    };
+    logic_->onUpdateMenus = [this] { UpdateMenus(); };
+    logic_->onUnloadForms = [this] {
+        window_.Detach();
+        window_.hide();
+        tray_.hide();
+    };
+    logic_->onQuit = [] { QCoreApplication::quit(); };
+    window_.onMenu = [this](const QPoint& at) { menu_.popup(at); };
+    if (trace_) window_.onPainted = [this] { Trace(); };
+}
+
+cQtProgram::~cQtProgram() {
+    window_.Detach();
+    logic_->Teardown();
+    logic_.reset();
+    if (trace_) std::fclose(trace_);
+}
+
+QString cQtProgram::Caption(const char16_t* key, const QString& fallback) const {
+    if (!logic_->Config()) return fallback;
+    const std::u16string text = logic_->Config()->Language().GetValue(u"objects", key);
+    return text.empty() ? fallback : QString::fromStdU16String(text);
+}
+
+void cQtProgram::BuildMenu() {
+    menu_.clear();
+    modeWindow_ = menu_.addAction(Caption(u".fMain.mnuWindow.caption", tr("&Window")));
+    modeDocked_ = menu_.addAction(Caption(u".fMain.mnuTray.caption", tr("&Docked strip")));
+    modeWindow_->setCheckable(true);
+    modeDocked_->setCheckable(true);
+    connect(modeWindow_, &QAction::triggered, this,
+            [this] { logic_->setDisplayMode(kModeWindow); });
+    connect(modeDocked_, &QAction::triggered, this, [this] { logic_->setDisplayMode(kModeTray); });
+    menu_.addSeparator();
+    connect(menu_.addAction(Caption(u".fMain.mnuAbout.caption", tr("&About Toval"))),
+            &QAction::triggered, this, [this] {
+                QMessageBox::about(
+                    nullptr, tr("About Toval"),
+                    tr("<b>Toval %1</b><p>Shows the lyric of the playing track and "
+                       "highlights, word by word, what is being sung.</p>"
+                       "<p>Following: %2</p>")
+                        .arg(QStringLiteral("1.3.1"),
+                             bridge_.Followed().isEmpty() ? tr("no player") : bridge_.Followed()));
+            });
+    menu_.addSeparator();
+    connect(menu_.addAction(Caption(u".fMain.mnuExit.caption", tr("E&xit"))), &QAction::triggered,
+            this, [this] { logic_->closeProgram(); });
+}
+
+void cQtProgram::UpdateMenus() {
+    const int32_t mode = logic_->Display() ? logic_->Display()->Window() : kModeDetached;
+    if (modeWindow_) modeWindow_->setChecked(mode == kModeWindow);
+    if (modeDocked_) modeDocked_->setChecked(mode == kModeTray);
+}
+
+bool cQtProgram::Start() {
+    if (!logic_->Form_Load(u"")) return false;
+    BuildMenu();
+    UpdateMenus();
+    tray_.setIcon(ProgramIcon());
+    tray_.setToolTip(QStringLiteral("Toval"));
+    tray_.setContextMenu(&menu_);
+    connect(&tray_, &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason why) {
+                if (why != QSystemTrayIcon::Trigger || !logic_->Display()) return;
+                // A click on the icon shows the lyric window again.
+                logic_->setDisplayMode(kModeWindow);
+                window_.raise();
+            });
+    if (QSystemTrayIcon::isSystemTrayAvailable()) tray_.show();
+    return true;
+}
+
+void cQtProgram::Trace() {
+    const cDisplay* display = logic_->Display();
+    const auto core = logic_->Core();
+    if (!display || !core) return;
+    const int32_t line = display->CurrentLine(), word = display->CurrentWord();
+    if (line == tracedLine_ && word == tracedWord_) return;
+    tracedLine_ = line;
+    tracedWord_ = word;
+    const auto stream = core->Stream();
+    const int64_t now = MonotonicMs();
+    // The highlight reached the screen now: where the player really is, and the event's time.
+    std::fprintf(trace_, "%lld highlight line=%d word=%d position=%d event=%d\n",
+                 static_cast<long long>(now), line, word, bridge_.Position().At(now),
+                 stream ? stream->CurrentTime() : -1);
+    std::fflush(trace_);
+}
+
+}  // namespace toval

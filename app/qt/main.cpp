@@ -1,0 +1,30 @@
+// toval: shows the lyric of the track an MPRIS player plays, word by word.
+#include <QApplication>
+#include <QCommandLineParser>
+
+#include "cQtProgram.h"
+
+int main(int argc, char* argv[]) {
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("toval"));
+    QApplication::setApplicationVersion(QStringLiteral("1.3.1"));
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Shows the lyric of the playing track."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption player(
+        QStringLiteral("player"),
+        QStringLiteral("Follow only the MPRIS player NAME (e.g. mpv, vlc)."),
+        QStringLiteral("NAME"));
+    parser.addOption(player);
+    parser.process(app);
+
+    toval::cQtProgram::Options options;
+    options.player = parser.value(player);
+    options.tracePath = qEnvironmentVariable("TOVAL_TRACE");
+    toval::cQtProgram program(options);
+    if (!program.Start()) return 0;
+    return QApplication::exec();
+}
