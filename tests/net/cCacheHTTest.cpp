@@ -9,32 +9,13 @@
 
 #include "fakes/FakeRandom.h"
 #include "fakes/TempDir.h"
+#include "net/CacheFiles.h"
 
 namespace toval::test {
 namespace {
 
 using namespace std::string_literals;
 using Entry = cCacheHT::Entry;
-
-std::string Le(std::initializer_list<int32_t> values) {
-    std::string out;
-    for (int32_t v : values) {
-        const auto u = static_cast<uint32_t>(v);
-        for (int i = 0; i < 4; ++i)
-            out.push_back(static_cast<char>((u >> (8 * i)) & 0xFF));
-    }
-    return out;
-}
-
-std::string Slurp(const std::filesystem::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-void Spit(const std::filesystem::path& p, const std::string& bytes) {
-    std::ofstream out(p, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
 
 TEST(cCacheHT, ParsesEveryShapeOfFile) {
     struct Case {

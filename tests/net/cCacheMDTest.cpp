@@ -9,6 +9,7 @@
 
 #include "base/mNumber.h"
 #include "fakes/TempDir.h"
+#include "net/CacheFiles.h"
 #include "net/mHasher.h"
 
 namespace toval::test {
@@ -17,25 +18,6 @@ namespace {
 using namespace std::string_literals;
 
 constexpr size_t kBlock = 1024;
-
-std::string Slurp(const std::filesystem::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-int32_t IntAt(const std::string& bytes, size_t at) {
-    uint32_t u = 0;
-    for (size_t i = 0; i < 4; ++i)
-        u |= uint32_t(uint8_t(bytes.at(at + i))) << (8 * i);
-    return static_cast<int32_t>(u);
-}
-
-std::string Le(int32_t v) {
-    std::string out;
-    for (int i = 0; i < 4; ++i)
-        out.push_back(char((uint32_t(v) >> (8 * i)) & 0xFF));
-    return out;
-}
 
 // A text whose every byte tells where it stands, so a misplaced block shows.
 std::string Text(size_t length) {

@@ -13,6 +13,7 @@
 #include "fakes/FakeShell.h"
 #include "fakes/TempDir.h"
 #include "lyric/cMusic.h"
+#include "net/CacheFiles.h"
 #include "net/mHasher.h"
 
 namespace toval::test {
@@ -20,16 +21,6 @@ namespace {
 
 using namespace std::string_literals;
 namespace fs = std::filesystem;
-
-std::string Slurp(const fs::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-void Spit(const fs::path& p, const std::string& bytes) {
-    std::ofstream out(p, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
 
 std::shared_ptr<cMusic> Track(const std::u16string& artist, const std::u16string& title,
                               int32_t ms = 200000, const std::u16string& album = u"Album") {

@@ -2,10 +2,11 @@
 // script answers a stored lyric, ":NOTFOUND" or ":NOUPDATES" (the client
 // already has that revision), the insert script stores what it is sent and
 // answers ":SUCCESS". A scripted behaviour replaces the normal answers: the
-// database failures, a move to another server, broken envelopes, an error
-// status, a slow answer in pieces and an answer that never ends.
+// database failures, a move to another server, a broken envelope, an error
+// status and an answer that never ends.
 #pragma once
 
+#include <cctype>
 #include <map>
 #include <mutex>
 #include <string>
@@ -24,9 +25,7 @@ class FakeLyricService {
         kSqlConnectionError,  // ":SQL_CONNECTION_ERROR"
         kMoved,               // ":UPDATESERVER:" + movedTo
         kBrokenEnvelope,      // "<TOVAL>" and no end
-        kNoEnvelope,          // a page without the envelope
         kServerError,         // "500 Internal Server Error"
-        kSlow,                // the normal answer, a few bytes at a time
         kEndless,             // headers, then silence until the client leaves
     };
 
@@ -85,12 +84,6 @@ class FakeLyricService {
         behaviour_ = b;
         movedTo_ = std::move(movedTo);
     }
-    // Adds "<LLV>version</LLV>" to every answer (empty: none).
-    void setAnnounce(std::string version) {
-        std::lock_guard lock(mutex_);
-        announce_ = std::move(version);
-    }
-
     std::vector<Request> Requests() const {
         std::lock_guard lock(mutex_);
         return requests_;
@@ -100,29 +93,18 @@ class FakeLyricService {
     static std::string Decode(const std::string& value) {
         std::string out;
         for (size_t i = 0; i < value.size(); ++i) {
-            if (value[i] == '+') {
-                out += ' ';
-            } else if (value[i] == '%' && i + 2 < value.size() && IsHex(value[i + 1]) &&
-                       IsHex(value[i + 2])) {
-                out += static_cast<char>(Hex(value[i + 1]) * 16 + Hex(value[i + 2]));
+            if (value[i] == '%' && i + 2 < value.size() && std::isxdigit(value[i + 1]) &&
+                std::isxdigit(value[i + 2])) {
+                out += static_cast<char>(std::stoi(value.substr(i + 1, 2), nullptr, 16));
                 i += 2;
             } else {
-                out += value[i];
+                out += value[i] == '+' ? ' ' : value[i];
             }
         }
         return out;
     }
 
   private:
-    static bool IsHex(char c) {
-        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
-    }
-    static int Hex(char c) {
-        if (c >= '0' && c <= '9') return c - '0';
-        if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-        return c - 'a' + 10;
-    }
-
     static Request Parse(const std::string& raw) {
         Request r;
         r.raw = raw;
@@ -195,33 +177,18 @@ class FakeLyricService {
         }
         const std::string body = Body(r);
         Behaviour behaviour;
-        std::string announce;
         {
             std::lock_guard lock(mutex_);
             behaviour = behaviour_;
-            announce = announce_;
         }
-        std::string page = "<html><body>";
-        if (!announce.empty()) page += "<LLV>" + announce + "</LLV>";
-        switch (behaviour) {
-            case Behaviour::kBrokenEnvelope:
-                page += "<TOVAL>" + body;
-                break;
-            case Behaviour::kNoEnvelope:
-                page += body;
-                break;
-            default:
-                page += "<TOVAL>" + body + "</TOVAL>";
-                break;
-        }
-        page += "</body></html>";
+        const std::string page = "<html><body><TOVAL>" + body +
+                                 (behaviour == Behaviour::kBrokenEnvelope ? "" : "</TOVAL>") +
+                                 "</body></html>";
         const std::string status = behaviour == Behaviour::kServerError
                                        ? "HTTP/1.0 500 Internal Server Error\r\n"
                                        : "HTTP/1.0 200 OK\r\n";
         const std::string answer = status + "Content-Type: text/html; charset=utf-8\r\n\r\n" + page;
-        if (behaviour == Behaviour::kSlow) {
-            c.SendInPieces(answer, 7, 20);
-        } else if (behaviour == Behaviour::kEndless) {
+        if (behaviour == Behaviour::kEndless) {
             c.Send(status + "Content-Type: text/html\r\n\r\n<html>");
             c.WaitForClose(20000);
         } else {
@@ -233,7 +200,6 @@ class FakeLyricService {
     std::map<std::string, Entry> lyrics_;
     Behaviour behaviour_ = Behaviour::kNormal;
     std::string movedTo_;
-    std::string announce_;
     std::vector<Request> requests_;
     // Last: its thread serves with the fields above and ends first.
     LoopbackServer server_;

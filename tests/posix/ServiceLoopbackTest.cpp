@@ -1,5 +1,7 @@
 // The lyric service and the lyric lookup over real sockets against a service
-// on 127.0.0.1 that speaks the protocol.
+// on 127.0.0.1 that speaks the protocol: a lyric sent and fetched back whole,
+// and a lookup that keeps what the service sent. How each answer is sorted is
+// shown on the fake socket (cTovalSiteTest) and through the tool (ServiceCliTest).
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -21,8 +23,6 @@
 
 namespace toval::test {
 namespace {
-
-using Behaviour = FakeLyricService::Behaviour;
 
 std::string Read(const std::filesystem::path& path) {
     std::ifstream in(path, std::ios::binary);
@@ -46,8 +46,8 @@ class ServiceLoopbackTest : public ::testing::Test {
         track.setMiliDuration(18000);
     }
 
-    bool await(size_t count, int32_t limitMs = 8000) {
-        return loop.RunUntil([&] { return results.size() >= count; }, limitMs);
+    bool await(size_t count) {
+        return loop.RunUntil([&] { return results.size() >= count; }, 8000);
     }
 
     FakeLyricService service;
@@ -99,73 +99,6 @@ TEST_F(ServiceLoopbackTest, SentLyricComesBackFromTheServiceAsItWasSent) {
     EXPECT_EQ(results[2], cTovalSite::kNoUpdates);
     EXPECT_EQ(service.Requests()[2].Keys(),
               (std::vector<std::string>{"art", "alb", "tit", "dur", "siz", "mut", "vrs", "get"}));
-}
-
-TEST_F(ServiceLoopbackTest, EveryServiceBehaviourEndsInItsResultCode) {
-    service.AddLyric("Ann \xC3\x89", "Harbour & Lanterns", "[1000]one<br>[2000]two &amp; three");
-    const struct {
-        Behaviour behaviour;
-        int32_t result;
-    } cases[] = {
-        {Behaviour::kNormal, cTovalSite::kLyric},
-        {Behaviour::kSlow, cTovalSite::kLyric},
-        {Behaviour::kSqlError, cTovalSite::kSqlError},
-        {Behaviour::kSqlConnectionError, cTovalSite::kSqlError},
-        {Behaviour::kBrokenEnvelope, cTovalSite::kFailure},
-        {Behaviour::kNoEnvelope, cTovalSite::kFailure},
-        {Behaviour::kServerError, cTovalSite::kFailure},
-    };
-    int32_t mode = 100;
-    for (const auto& c : cases) {
-        service.setBehaviour(c.behaviour);
-        results.clear();
-        site.Load(track, mode, mode);  // a new mode: never the repeat of the last URL
-        ++mode;
-        ASSERT_TRUE(await(1)) << static_cast<int>(c.behaviour);
-        EXPECT_EQ(results[0], c.result) << static_cast<int>(c.behaviour);
-        if (c.result == cTovalSite::kLyric) {
-            EXPECT_EQ(site.Lyric(), u"[1000]one\r\n[2000]two & three");
-        }
-    }
-
-    // Nothing listening.
-    globals.Settings.conn_Server = u"127.0.0.1:" + [] {
-        const std::string port = std::to_string(LoopbackServer::ClosedPort());
-        return std::u16string(port.begin(), port.end());
-    }();
-    results.clear();
-    site.Load(track, 1, 0);
-    ASSERT_TRUE(await(1));
-    EXPECT_EQ(results[0], cTovalSite::kFailure);
-}
-
-TEST_F(ServiceLoopbackTest, AnswerThatNeverEndsTimesOut) {
-    service.setBehaviour(Behaviour::kEndless);
-    site.Load(track, 3, 0);
-    timer->setInterval(300);
-    ASSERT_TRUE(await(1, 8000));
-    EXPECT_EQ(results[0], cTovalSite::kFailure);
-    EXPECT_EQ(ids[0], 3);
-}
-
-TEST_F(ServiceLoopbackTest, MovedServiceIsFollowedByTheNextRequest) {
-    FakeLyricService next;
-    next.AddLyric("Ann \xC3\x89", "Harbour & Lanterns", "[1]moved");
-    const std::string host = "127.0.0.1:" + std::to_string(next.Port());
-    service.setBehaviour(Behaviour::kMoved, host);
-    service.setAnnounce("1030004");
-    site.Load(track, 1, 0);
-    ASSERT_TRUE(await(1));
-    EXPECT_EQ(results[0], cTovalSite::kNotFound);
-    EXPECT_TRUE(site.ServerMoved());
-    EXPECT_EQ(globals.Settings.conn_Server, next.Host());
-    EXPECT_EQ(globals.lastUpdateVersion, 1030004);
-
-    site.Load(track, 2, 0);
-    ASSERT_TRUE(await(2));
-    EXPECT_EQ(results[1], cTovalSite::kLyric);
-    EXPECT_EQ(site.Lyric(), u"[1]moved");
-    EXPECT_EQ(next.Requests().size(), 1u);
 }
 
 TEST(ServiceLookupLoopback, TrackWithoutLyricGetsOneFromTheServiceAndKeepsIt) {
