@@ -5,6 +5,7 @@
 
 #include "base/cErrorLog.h"
 #include "base/mFile.h"
+#include "base/mString.h"
 #include "config/cConfig.h"
 #include "lyric/cMusic.h"
 
@@ -70,7 +71,14 @@ bool cLyricFile::LoadFromLyric(const std::shared_ptr<cMusic>& track) {
             path = GetLyricAddress(track->FileAddress());
             if (!usable(path)) return false;
         }
-        lyric_ = FileRead(path);
+        // A file that is no text (a picture or an audio file under a lyric's
+        // name) is no lyric: the lookup goes on as if it were missing.
+        std::u16string text = FileRead(path);
+        if (!IsText(text)) {
+            ErrorTrail({"cLyricFile.LoadFromLyric", "not a text file"});
+            return false;
+        }
+        lyric_ = std::move(text);
         return true;
     });
 }

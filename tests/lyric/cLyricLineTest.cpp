@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
 #include <vector>
 
 #include "base/mNumber.h"
@@ -253,66 +252,6 @@ TEST(mRightToLeft, RecognisesRightToLeftScriptsAndMarks) {
         EXPECT_TRUE(IsRightToLeft(t)) << Narrow(t);
     for (auto* t : no)
         EXPECT_FALSE(IsRightToLeft(t)) << Narrow(t);
-}
-
-// The readers skip re-parsing ever-growing tags when a closing mark has no
-// opening one; this checks them against a literal reading on random records.
-size_t InStr1(const std::u16string& s, size_t from, char16_t c) {
-    if (from == 0 || from > s.size()) return 0;
-    const size_t i = s.find(c, from - 1);
-    return i == std::u16string::npos ? 0 : i + 1;
-}
-
-TEST(cLyricLine, TagReadersAgreeWithALiteralReadingOnRandomRecords) {
-    std::mt19937 rng(7);
-    const std::u16string alphabet = u"[]<>:.-+1 a";
-    for (int n = 0; n < 20000; ++n) {
-        std::u16string s;
-        const size_t len = rng() % 14;
-        for (size_t i = 0; i < len; ++i)
-            s += alphabet[rng() % alphabet.size()];
-
-        // Word record.
-        std::vector<int32_t> times;
-        size_t p = InStr1(s, 1, u'<'), pos = 1;
-        for (;;) {
-            const size_t q = InStr1(s, pos, u'>');
-            if (q <= p) break;
-            if (q > p + 1) {
-                cTime t;
-                t.setText(s.substr(p, q - p - 1));
-                times.push_back(t.Time());
-            }
-            pos = q + 1;
-            p = InStr1(s, pos, u'<');
-        }
-        cLyricWord w;
-        w.setLoad(s);
-        EXPECT_EQ(Times(w), times) << Narrow(s);
-        EXPECT_EQ(w.Text(), s.substr(pos - 1)) << Narrow(s);
-
-        // Line tags.
-        times.clear();
-        p = InStr1(s, 1, u'[');
-        pos = 1;
-        for (;;) {
-            const size_t q = InStr1(s, pos, u']');
-            if (q <= p) break;
-            if (q > p + 1) {
-                cTime t;
-                t.setText(s.substr(p, q - p - 1));
-                if (t.Time() != kUnset) times.push_back(t.Time());
-            }
-            pos = q + 1;
-            p = InStr1(s, pos, u'[');
-        }
-        cLyricLine l;
-        l.setLoad(s);
-        EXPECT_EQ(Times(l), times) << Narrow(s);
-        if (InStr1(s, pos, u'<') == 0) {
-            EXPECT_EQ(l.Text(), s.substr(pos - 1)) << Narrow(s);
-        }
-    }
 }
 
 }  // namespace
