@@ -122,14 +122,6 @@ TEST(mFile, TextFilesAreUtf8WithoutAMarkOrInTheCodePage) {
              "\xEF\xBB\xBF"
              "a\xE9");  // the UTF-8 mark is dropped; Latin-1 still reads
     EXPECT_EQ(FileRead(file), u"a\u00E9");
-    WriteAll(real, std::string("\xFF\xFE"
-                               "a\0\xAC\x20",
-                               6));  // UTF-16 behind its mark
-    EXPECT_EQ(FileRead(file), u"a\u20AC");
-    WriteAll(real, std::string("\xFE\xFF"
-                               "\0a\x20\xAC",
-                               6));
-    EXPECT_EQ(FileRead(file), u"a\u20AC");
     EXPECT_EQ(FileRead(dir.file(u"missing.tvl")), u"");
 
     EXPECT_TRUE(FileSaveAscii(file, u"\u00E9\u20AC\u0100"));

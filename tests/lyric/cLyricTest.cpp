@@ -172,20 +172,12 @@ TEST(cLyric, ReadsLrcFilesAsUsersHaveThem) {
         const char16_t* stamp;
         int32_t ms;  // kUnset: not a stamp
     } stamps[] = {
-        {u"00:01.5", 1500},
-        {u"-00:01.00", -1000},
-        {u"00:01.1234", 1123},
-        {u"1:00:00,5", 3600500},
-        {u"00:01a50", kUnset},
-        {u":0", kUnset},
-        {u"1:2:3:4", kUnset},
-        {u"1.2:3", kUnset},
-        {u"1:2:3", 62300},
-        {u"+-1:00", kUnset},
-        {u"9999999999:00", kUnset},
-        {u"596524:00", kUnset},
-        {u"1:", kUnset},
-        {u"", kUnset},
+        // clang-format off
+        {u"00:01.5", 1500}, {u"-00:01.00", -1000}, {u"00:01.1234", 1123}, {u"1:2:3", 62300},
+        {u"1:00:00,5", 3600500}, {u"00:01a50", kUnset}, {u":0", kUnset}, {u"1:2:3:4", kUnset},
+        {u"1.2:3", kUnset}, {u"+-1:00", kUnset}, {u"9999999999:00", kUnset},
+        {u"596524:00", kUnset}, {u"1:", kUnset}, {u"", kUnset},
+        // clang-format on
     };
     for (const auto& c : stamps) {
         int32_t ms = kUnset;
