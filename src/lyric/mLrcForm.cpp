@@ -204,7 +204,8 @@ bool ReadLrcLine(std::u16string_view piece, std::vector<std::shared_ptr<cLyricLi
 
 bool ReadRightToLeftLrcLine(std::u16string_view piece, std::shared_ptr<cLyricLine>& out) {
     const size_t open = piece.find(u'[');
-    if (open == npos || open == 0 || !IsRightToLeft(piece.substr(0, open))) return false;
+    if (open == npos || open == 0 || piece[0] == u'<' || !IsRightToLeft(piece.substr(0, open)))
+        return false;
     int32_t ms = 0;
     size_t close = 0;
     if (!StampAt(piece, open, ms, close)) return false;
@@ -233,7 +234,10 @@ bool ReadOffsetTag(std::u16string_view piece, int32_t& offset) {
     if (value.empty() || !(IsDigit(value[0]) || value[0] == u'-')) return false;
     for (size_t k = 1; k < value.size(); ++k)
         if (!IsDigit(value[k])) return false;
-    return TextToInt32(value, offset);
+    int32_t ms = 0;
+    if (!TextToInt32(value, ms)) return false;
+    offset = ms;
+    return true;
 }
 
 void ShiftLineTimes(cLyricLine& line, int64_t delta) {
