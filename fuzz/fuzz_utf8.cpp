@@ -1,11 +1,13 @@
-// UTF-8, UTF-16 and form encoding of arbitrary bytes: nothing may crash, and
-// every text comes back unchanged from its UTF-8 and 16-bit byte forms.
+// UTF-8, UTF-16 and form encoding of arbitrary bytes, and text files in their
+// encodings: nothing may crash, and every text comes back unchanged from its
+// UTF-8 and 16-bit byte forms.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 
 #include "base/cStrings.h"
+#include "base/mString.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const toval::cStrings strings;
@@ -37,5 +39,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (limit >= 1 && cut.size() > static_cast<size_t>(limit)) std::abort();
     if (limit < 1 && cut != form) std::abort();
     strings.stringTOhtml(bytes);
+
+    // A text file in any of its encodings: never more units than bytes, and
+    // the test for text holds no surprise on any of them.
+    const std::u16string file = toval::TextFileTOwstring(bytes);
+    if (file.size() > bytes.size()) std::abort();
+    (void)toval::IsText(file);
     return 0;
 }

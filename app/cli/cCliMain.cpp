@@ -200,8 +200,22 @@ bool cCliMain::ReadLyricFile(const std::string& path, std::u16string& text) {
         Fail(kExitFile, "cannot read '" + path + "'");
         return false;
     }
-    text = Strings().utf8TOwstring(bytes);
+    text = TextFileTOwstring(bytes);
+    if (!IsText(text)) {
+        Fail(kExitFile, "'" + path + "' is not a text file, so it holds no lyric");
+        return false;
+    }
     return true;
+}
+
+bool cCliMain::HoldsLyric(const std::string& path, const std::u16string& text) {
+    cLyric lyric;
+    lyric.setLoad(text);
+    if (lyric.GetLineSize() > 0) return true;
+    Fail(kExitNotFound,
+         "'" + path + "' holds no lyric: " +
+             (lyric.IDTags().empty() ? "the file is empty" : "only ID tags, no lines"));
+    return false;
 }
 
 std::u16string cCliMain::Render(const std::u16string& text, const cCliArgs& a) {
@@ -225,6 +239,7 @@ std::u16string cCliMain::Render(const std::u16string& text, const cCliArgs& a) {
 int cCliMain::Print(const cCliArgs& a) {
     std::u16string text;
     if (!ReadLyricFile(a.file, text)) return kExitFile;
+    if (!HoldsLyric(a.file, text)) return kExitNotFound;
     out_ << Bytes(Render(text, a));
     return kExitOk;
 }
@@ -232,6 +247,7 @@ int cCliMain::Print(const cCliArgs& a) {
 int cCliMain::Convert(const cCliArgs& a) {
     std::u16string text;
     if (!ReadLyricFile(a.file, text)) return kExitFile;
+    if (!HoldsLyric(a.file, text)) return kExitNotFound;
     const std::string bytes = Bytes(Render(text, a));
     if (a.output.empty()) {
         out_ << bytes;

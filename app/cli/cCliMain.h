@@ -39,6 +39,8 @@ class cCliMain {
 
     // The whole file as text; false (with a message) when it cannot be read.
     bool ReadLyricFile(const std::string& path, std::u16string& text);
+    // False, with the reason on the error stream, when the text has no line.
+    bool HoldsLyric(const std::string& path, const std::u16string& text);
     // The text in the chosen form.
     std::u16string Render(const std::u16string& lyric, const cCliArgs& a);
     int Fail(int code, const std::string& message);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/cErrorLog.h"
+#include "base/mCodePage.h"
 #include "base/mNumber.h"
 
 namespace toval {
@@ -205,7 +206,11 @@ std::u16string cStrings::utf8TOwstring(const std::string& bytes) const {
             } else if (b <= 223) {
                 const uint32_t n1 = i + 1 < n ? in[i + 1] : 0;
                 if (n1 < 128) {
-                    *out++ = static_cast<char16_t>(b);  // Latin-1 reading of a lone byte
+                    // A lone byte reads in the single-byte code page: Latin-1,
+                    // except that 80 to 9F are Windows-1252's curly quotes,
+                    // dashes and euro sign (files saved by Windows editors),
+                    // never invisible control characters.
+                    *out++ = ansiTOwchar(static_cast<unsigned char>(b));
                     i += 1;
                 } else {
                     *out++ = static_cast<char16_t>(((b & 63) << 6) + (n1 & 127));

@@ -16,8 +16,8 @@ class cStrings {
     virtual ~cStrings() = default;
 
     // UTF-8 bytes -> text. The masks are wider than UTF-8 asks and a broken
-    // sequence reads its lead byte as Latin-1, so a file written in a Latin-1
-    // code page still reads sensibly. Four-byte sequences are not supported.
+    // sequence reads its lead byte in the Windows-1252 code page, so a file
+    // written in a Western code page still reads sensibly. Four-byte sequences are not supported.
     virtual std::u16string utf8TOwstring(const std::string& bytes) const;
     // Text -> UTF-8 bytes, unit by unit: a surrogate half becomes three bytes of
     // its own. No byte-order mark.

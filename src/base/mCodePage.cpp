@@ -32,12 +32,14 @@ std::string wstringTOansi(const std::u16string& text) {
     return bytes;
 }
 
+char16_t ansiTOwchar(unsigned char b) {
+    return (b >= 0x80 && b < 0xA0) ? kHigh[b - 0x80] : static_cast<char16_t>(b);
+}
+
 std::u16string ansiTOwstring(const std::string& bytes) {
     std::u16string text(bytes.size(), u'\0');
-    for (size_t i = 0; i < bytes.size(); ++i) {
-        const auto b = static_cast<unsigned char>(bytes[i]);
-        text[i] = (b >= 0x80 && b < 0xA0) ? kHigh[b - 0x80] : static_cast<char16_t>(b);
-    }
+    for (size_t i = 0; i < bytes.size(); ++i)
+        text[i] = ansiTOwchar(static_cast<unsigned char>(bytes[i]));
     return text;
 }
 

@@ -10,5 +10,7 @@ namespace toval {
 
 std::string wstringTOansi(const std::u16string& text);
 std::u16string ansiTOwstring(const std::string& bytes);
+// The character of one byte of the code page.
+char16_t ansiTOwchar(unsigned char byte);
 
 }  // namespace toval

@@ -59,7 +59,7 @@ std::string ReadFile(const std::u16string& path, int32_t start, int32_t length) 
 
 std::u16string FileRead(const std::u16string& path) {
     if (cStringsDLL* dll = StringsDLL()) return dll->FileRead(path);
-    return Strings().utf8TOwstring(ReadFile(path, 1, 0));
+    return TextFileTOwstring(ReadFile(path, 1, 0));
 }
 
 bool SaveFile(const std::u16string& path, const std::string& data, int32_t start, bool killFirst) {

@@ -29,8 +29,9 @@ std::u16string GetLyricPath(const std::u16string& path);
 // Reading stops at the end of the file, so the result may be shorter. Empty for
 // a start below 1 or a missing file.
 std::string ReadFile(const std::u16string& path, int32_t start, int32_t length);
-// The whole file as UTF-8 text (no byte-order mark is looked for); through the
-// library when it is available.
+// The whole file as text: UTF-8, or UTF-16 behind a byte-order mark (lyric
+// files saved by Windows editors come so); through the library when it is
+// available.
 std::u16string FileRead(const std::u16string& path);
 // Writes `data` at byte `start` (1-based), after deleting the file when
 // killFirst; a start below 1 appends at the end. False on any error.

@@ -3,6 +3,9 @@
 // library's first failure).
 #pragma once
 
+#include <string>
+#include <string_view>
+
 #include "base/cStrings.h"
 #include "base/cStringsDLL.h"
 #include "platform/StringsLibrary.h"
@@ -22,5 +25,13 @@ cStringsDLL* StringsDLL();
 bool tryLoadStringsDLL(StringsLibraryLoader& loader);
 // Back to the built-in conversions (shutdown, tests).
 void resetStringsDLL();
+
+// The text of a text file's bytes: UTF-16 (little- or big-endian) behind its
+// byte-order mark, otherwise UTF-8 with any UTF-8 mark dropped.
+std::u16string TextFileTOwstring(const std::string& bytes);
+// False for what is no text at all (a picture, an audio file, a UTF-16 file
+// without its mark): a NUL character, or more than one control character in
+// ten. Tabs, line ends and form feeds are text.
+bool IsText(std::u16string_view text);
 
 }  // namespace toval

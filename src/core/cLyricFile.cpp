@@ -5,6 +5,7 @@
 
 #include "base/cErrorLog.h"
 #include "base/mFile.h"
+#include "base/mString.h"
 #include "config/cConfig.h"
 #include "lyric/cMusic.h"
 
@@ -65,13 +66,21 @@ bool cLyricFile::LoadFromLyric(const std::shared_ptr<cMusic>& track) {
             return std::filesystem::is_regular_file(file, error) &&
                    std::ifstream(file, std::ios::binary).is_open();
         };
-        std::u16string path = GetTovalAddress(track->FileAddress());
-        if (!usable(path)) {
-            path = GetLyricAddress(track->FileAddress());
-            if (!usable(path)) return false;
+        for (const std::u16string& path :
+             {GetTovalAddress(track->FileAddress()), GetLyricAddress(track->FileAddress())}) {
+            if (!usable(path)) continue;
+            // A file that is no text (a picture or an audio file under a
+            // lyric's name) is no lyric either: the lookup goes on as if it
+            // were missing.
+            std::u16string text = FileRead(path);
+            if (!IsText(text)) {
+                ErrorTrail({"cLyricFile.LoadFromLyric", "not a text file"});
+                continue;
+            }
+            lyric_ = std::move(text);
+            return true;
         }
-        lyric_ = FileRead(path);
-        return true;
+        return false;
     });
 }
 

@@ -1,9 +1,11 @@
 #include "lyric/cLyric.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "base/cErrorLog.h"
 #include "lyric/cMusic.h"
+#include "lyric/mLrcForm.h"
 
 namespace toval {
 
@@ -26,6 +28,27 @@ std::u16string UpperAscii(std::u16string_view text) {
 void ReadNumber(std::u16string_view value, int32_t& out) {
     if (!IsNumeric(value)) return;
     if (!TextToInt32(value, out)) ErrorTrail({"cLyric.Properties [Let]", "value out of range"});
+}
+
+// One text line of a lyric file, read into one line or more.
+void ReadPiece(std::u16string_view piece, std::vector<std::shared_ptr<cLyricLine>>& out) {
+    // The common LRC forms ([mm:ss.xx] and its kin) go their own way; the
+    // records the program writes ([ms], []) and everything else that starts
+    // with a tag keep the record reading.
+    if (ReadLrcLine(piece, out)) return;
+    std::shared_ptr<cLyricLine> line;
+    if (!ReadRightToLeftLrcLine(piece, line)) {
+        line = std::make_shared<cLyricLine>();
+        const size_t first = piece.find_first_not_of(u" \t");
+        if (first == std::u16string_view::npos || (piece[first] != u'[' && piece[first] != u'<')) {
+            // A line that starts with text is text, brackets and all: a stamp
+            // in the middle of it is no time, and the text before it stays.
+            line->setText(std::u16string(piece));
+        } else {
+            line->setLoad(piece);
+        }
+    }
+    out.push_back(std::move(line));
 }
 
 }  // namespace
@@ -165,32 +188,50 @@ void cLyric::setLoad(std::u16string_view s) {
                     pos = end + kPropertyEnd.size();
                 }
             }
+            // Files from other systems end their lines in LF or CR alone.
+            int32_t offset = 0;
+            std::vector<std::shared_ptr<cLyricLine>> read;
             while (pos < s.size()) {
-                const size_t end = s.find(kCrLf, pos);
+                const size_t end = s.find_first_of(u"\r\n", pos);
                 const size_t pieceEnd = end == std::u16string_view::npos ? s.size() : end;
                 const std::u16string_view piece = s.substr(pos, pieceEnd - pos);
-                pos = end == std::u16string_view::npos ? s.size() : end + kCrLf.size();
+                if (end == std::u16string_view::npos)
+                    pos = s.size();
+                else
+                    pos = end + (s.substr(end, 2) == kCrLf ? 2 : 1);
 
-                auto line = std::make_shared<cLyricLine>();
-                line->setLoad(piece);
+                // The offset moves every time of the file; it is applied here
+                // and not kept, so a file written back does not apply it twice.
+                if (ReadOffsetTag(piece, offset)) continue;
+                read.clear();
+                ReadPiece(piece, read);
                 if (header) {
                     // Leading bracket lines without a valid time ([ar:x]) are
-                    // ID tags; the first other line ends the header.
+                    // ID tags; the first other line ends the header. A tag
+                    // must open the line: text with a bracket further on is a
+                    // lyric line, not a tag.
                     const size_t open = piece.find(u'[');
+                    const size_t first = piece.find_first_not_of(u" \t");
                     const size_t close = open == std::u16string_view::npos
                                              ? std::u16string_view::npos
                                              : piece.find(u']', open);
-                    if (line->GetTimeSize() == 0 && close != std::u16string_view::npos &&
-                        close > open + 1) {
+                    if (read.size() == 1 && read[0]->GetTimeSize() == 0 && open == first &&
+                        close != std::u16string_view::npos && close > open + 1) {
                         idTags_ += piece;
                         idTags_ += kCrLf;
                         continue;
                     }
                     header = false;
                 }
-                if (simple_ && !line->Simple()) simple_ = false;
-                lines_.Add(std::move(line));
+                for (auto& line : read) {
+                    if (simple_ && !line->Simple()) simple_ = false;
+                    lines_.Add(std::move(line));
+                }
             }
+            // Positive: the lyric comes earlier, as LRC players read it.
+            if (offset != 0)
+                for (const auto& line : lines_)
+                    if (line) ShiftLineTimes(*line, -static_cast<int64_t>(offset));
         }
         Resize();
     });

@@ -28,18 +28,20 @@ TEST(cStrings, Utf8DecodingKeepsTheWideMasksAndTheLatin1Fallback) {
         {Bytes({0xE2, 0x82, 0xAC}), u"\u20AC"},
         {Bytes({0xE9}), u"\u00E9"},  // lone lead at the end
         {Bytes({0xC3}), u"\u00C3"},
-        {Bytes({0xE2, 0x82}), u"\u00E2\u0082"},  // three-byte lead cut short
-        {Bytes({0xE2, 'A', 0x82}), u"\u00E2A\u0082"},
-        {Bytes({0xE2, 0x82, 'A'}), u"\u00E2\u0082A"},
+        {Bytes({0xE2, 0x82}), u"\u00E2\u201A"},  // three-byte lead cut short; 82 in Windows-1252
+        {Bytes({0xE2, 'A', 0x82}), u"\u00E2A\u201A"},
+        {Bytes({0x93, 'q', 0x94, ' ', 0x96}), u"\u201Cq\u201D \u2013"},  // curly quotes, dash
+        {Bytes({0x81, 'x'}), u"\u0081x"},  // undefined in Windows-1252
+        {Bytes({0xE2, 0x82, 'A'}), u"\u00E2\u201AA"},
         {Bytes({0xC0, 0x80}), std::u16string(1, u'\0')},  // overlong forms are not refused
         {Bytes({0xC1, 0xBF}), u"\u007F"},
         {Bytes({0xD8, 0xC0}), u"\u0640"},  // second byte's bit 6 is kept
-        {Bytes({0x80, 0x41}), u"\u0080A"},
+        {Bytes({0x80, 0x41}), u"\u20ACA"},
         {Bytes({0x80, 0x80}), std::u16string(1, u'\0')},  // a continuation byte as lead
         {Bytes({0xED, 0xA0, 0x80}), u"\xD800"},           // an encoded surrogate half
         {Bytes({0xEF, 0xBF, 0xBF}), u"\uFFFF"},
         // Past 16 bits: a four-byte lead or continuation bytes from C0 up.
-        {Bytes({0xF0, 0x9F, 0x98, 0x80}), u"\uFFFD\u0080"},
+        {Bytes({0xF0, 0x9F, 0x98, 0x80}), u"\uFFFD\u20AC"},
         {Bytes({0xEF, 0xC0, 0x80}), u"\uFFFD"},
         {Bytes({0xFF, 0xFF, 0xFF}), u"\uFFFD"},
         {Bytes({0xFF, 0xFF}), u"\u00FF\u00FF"},

@@ -96,10 +96,13 @@ TEST_F(LyricFileTest, FilesBesideTheTrackComeFirstTvlBeforeLrc) {
     std::filesystem::create_directory(beside("song.tvl"));
     lookup.Load(5);
     std::filesystem::remove(beside("song.tvl"));
+    Write(beside("song.tvl"), std::string("ID3\x03\0\0\0", 7));  // and so does one that is no text
+    lookup.Load(5);
     Write(beside("song.tvl"), "[1000]from tvl \xC3\xA9\r\n");
     lookup.Load(6);
     EXPECT_EQ(loaded, (std::vector<Loaded>{{3, 0, u"[00:01.50]from lrc\r\n"},
                                            {4, 1, u"[00:01.50]from lrc\r\n"},
+                                           {5, 1, u"[00:01.50]from lrc\r\n"},
                                            {5, 1, u"[00:01.50]from lrc\r\n"},
                                            {6, 1, u"[1000]from tvl \u00e9\r\n"}}));
     EXPECT_TRUE(socket->connects.empty()) << "a local lyric asks no service";

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
 #include <vector>
 
 #include "base/mNumber.h"
@@ -20,17 +19,12 @@ std::string Narrow(std::u16string_view s) {
     return out;
 }
 
-std::vector<int32_t> Times(const cLyricWord& w) {
+// The times of a word or a line.
+template <class T>
+std::vector<int32_t> Times(const T& owner) {
     std::vector<int32_t> out;
-    for (int32_t i = 0; i < w.GetTimeSize(); ++i)
-        out.push_back(w.GetTime(i)->Time());
-    return out;
-}
-
-std::vector<int32_t> Times(const cLyricLine& l) {
-    std::vector<int32_t> out;
-    for (int32_t i = 0; i < l.GetTimeSize(); ++i)
-        out.push_back(l.GetTime(i)->Time());
+    for (int32_t i = 0; i < owner.GetTimeSize(); ++i)
+        out.push_back(owner.GetTime(i)->Time());
     return out;
 }
 
@@ -48,24 +42,19 @@ TEST(cLyricWord, ReadsAndWritesWordRecords) {
         std::vector<int32_t> times;
         const char16_t* text;
     } cases[] = {
-        {u"<12340><65000>love ", {12340, 65000}, u"love "},
-        {u"<>oh", {}, u"oh"},
-        {u"<1000><1000>la", {1000, 1000}, u"la"},
-        {u"<00:01.50>x", {1500}, u"x"},
+        // clang-format off
+        {u"<12340><65000>love ", {12340, 65000}, u"love "}, {u"<>oh", {}, u"oh"},
+        {u"<1000><1000>la", {1000, 1000}, u"la"}, {u"<00:01.50>x", {1500}, u"x"},
         {u"<abc>x", {0}, u"x"},         // no ":" parses as 0
         {u"<01:xx>x", {kUnset}, u"x"},  // a bad word tag stays as no time
-        {u"plain", {}, u"plain"},
-        {u"", {}, u""},
+        {u"plain", {}, u"plain"}, {u"", {}, u""},
         {u"<5", {}, u"<5"},            // unclosed tag is text
         {u"x>y<5>z", {}, u"x>y<5>z"},  // ">" before the first "<" stops at once
         // A ">" with no "<" before it closes a tag from the start of the record.
-        {u"12>y", {12}, u"y"},
-        {u"a>b>c", {0, 0}, u"c"},
-        {u"<1>a>b", {1, 0}, u"b"},
-        {u"<1>a:>b", {1, kUnset}, u"b"},
-        {u"<1>a:1>>b", {1, kUnset, kUnset}, u"b"},
-        {u"<1<2>a", {0}, u"a"},
-        {u"<-5>a", {-5}, u"a"},
+        {u"12>y", {12}, u"y"}, {u"a>b>c", {0, 0}, u"c"}, {u"<1>a>b", {1, 0}, u"b"},
+        {u"<1>a:>b", {1, kUnset}, u"b"}, {u"<1>a:1>>b", {1, kUnset, kUnset}, u"b"},
+        {u"<1<2>a", {0}, u"a"}, {u"<-5>a", {-5}, u"a"},
+        // clang-format on
     };
     for (const auto& c : cases) {
         cLyricWord w;
@@ -98,14 +87,13 @@ TEST(cLyricLine, ReadsLineRecords) {
         const char16_t* text;
         std::vector<std::u16string> words;
     } cases[] = {
-        {u"[]", {}, u"", {}},
-        {u"[]some untimed text", {}, u"some untimed text", {}},
+        // clang-format off
+        {u"[]", {}, u"", {}}, {u"[]some untimed text", {}, u"some untimed text", {}},
         {u"[5000][65000]chorus line", {5000, 65000}, u"chorus line", {}},
         {u"[00:01.50]Hi", {1500}, u"Hi", {}},
         {u"[01:xx]text", {}, u"text", {}},  // a bad line tag is dropped
         {u"[ar:A]", {}, u"", {}},
-        // No ":" in a tag parses as 0, which is a valid time.
-        {u"[abc]text", {0}, u"text", {}},
+        {u"[abc]text", {0}, u"text", {}},  // no ":" in a tag parses as 0, a valid time
         {u"no tags", {}, u"no tags", {}},
         {u"abc]def", {0}, u"def", {}},  // a stray "]" closes a tag from the start
         {u"[1]]]x", {1, 0, 0}, u"x", {}},
@@ -113,10 +101,9 @@ TEST(cLyricLine, ReadsLineRecords) {
         {u"]x[5]y", {}, u"]x[5]y", {}},    // "]" before the first "[" stops at once
         {u"[12340]<12340>Hello <12800>world", {12340}, u"Hello world", {u"Hello ", u"world"}},
         {u"[5000]pre<100>a<200>b", {5000}, u"preab", {u"pre", u"a", u"b"}},
-        {u"[]<1><2>la<3", {}, u"la<3", {u"la", u"<3"}},
-        {u"<1>a", {}, u"a", {u"a"}},
-        {u"[]<>", {}, u"", {u""}},
-        {u"[]<1>a>b<2>c", {}, u"bc", {u"b", u"c"}},
+        {u"[]<1><2>la<3", {}, u"la<3", {u"la", u"<3"}}, {u"<1>a", {}, u"a", {u"a"}},
+        {u"[]<>", {}, u"", {u""}}, {u"[]<1>a>b<2>c", {}, u"bc", {u"b", u"c"}},
+        // clang-format on
     };
     for (const auto& c : cases) {
         cLyricLine l;
@@ -139,14 +126,12 @@ TEST(cLyricLine, ReadsLineRecords) {
 }
 
 TEST(cLyricLine, WritesRecordsAndRoundTrips) {
-    const char16_t* records[] = {
-        u"[]",
-        u"[12340]<12340>Hello <12800>world",
-        u"[]some untimed text",
-        u"[5000][65000]chorus line",
-        u"[1]<5>solo",
-        u"[-300]<-300>neg<>un<7><8>two",
-    };
+    const char16_t* records[] = {u"[]",
+                                 u"[12340]<12340>Hello <12800>world",
+                                 u"[]some untimed text",
+                                 u"[5000][65000]chorus line",
+                                 u"[1]<5>solo",
+                                 u"[-300]<-300>neg<>un<7><8>two"};
     for (const auto* r : records) {
         cLyricLine l;
         l.setLoad(r);
@@ -253,66 +238,6 @@ TEST(mRightToLeft, RecognisesRightToLeftScriptsAndMarks) {
         EXPECT_TRUE(IsRightToLeft(t)) << Narrow(t);
     for (auto* t : no)
         EXPECT_FALSE(IsRightToLeft(t)) << Narrow(t);
-}
-
-// The readers skip re-parsing ever-growing tags when a closing mark has no
-// opening one; this checks them against a literal reading on random records.
-size_t InStr1(const std::u16string& s, size_t from, char16_t c) {
-    if (from == 0 || from > s.size()) return 0;
-    const size_t i = s.find(c, from - 1);
-    return i == std::u16string::npos ? 0 : i + 1;
-}
-
-TEST(cLyricLine, TagReadersAgreeWithALiteralReadingOnRandomRecords) {
-    std::mt19937 rng(7);
-    const std::u16string alphabet = u"[]<>:.-+1 a";
-    for (int n = 0; n < 20000; ++n) {
-        std::u16string s;
-        const size_t len = rng() % 14;
-        for (size_t i = 0; i < len; ++i)
-            s += alphabet[rng() % alphabet.size()];
-
-        // Word record.
-        std::vector<int32_t> times;
-        size_t p = InStr1(s, 1, u'<'), pos = 1;
-        for (;;) {
-            const size_t q = InStr1(s, pos, u'>');
-            if (q <= p) break;
-            if (q > p + 1) {
-                cTime t;
-                t.setText(s.substr(p, q - p - 1));
-                times.push_back(t.Time());
-            }
-            pos = q + 1;
-            p = InStr1(s, pos, u'<');
-        }
-        cLyricWord w;
-        w.setLoad(s);
-        EXPECT_EQ(Times(w), times) << Narrow(s);
-        EXPECT_EQ(w.Text(), s.substr(pos - 1)) << Narrow(s);
-
-        // Line tags.
-        times.clear();
-        p = InStr1(s, 1, u'[');
-        pos = 1;
-        for (;;) {
-            const size_t q = InStr1(s, pos, u']');
-            if (q <= p) break;
-            if (q > p + 1) {
-                cTime t;
-                t.setText(s.substr(p, q - p - 1));
-                if (t.Time() != kUnset) times.push_back(t.Time());
-            }
-            pos = q + 1;
-            p = InStr1(s, pos, u'[');
-        }
-        cLyricLine l;
-        l.setLoad(s);
-        EXPECT_EQ(Times(l), times) << Narrow(s);
-        if (InStr1(s, pos, u'<') == 0) {
-            EXPECT_EQ(l.Text(), s.substr(pos - 1)) << Narrow(s);
-        }
-    }
 }
 
 }  // namespace

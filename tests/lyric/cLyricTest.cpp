@@ -2,10 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include "base/mFile.h"
+#include "base/mString.h"
 #include "fakes/CapturedTrail.h"
 #include "fakes/FakeMeasureSurface.h"
 #include "fakes/FakeRandom.h"
+#include "fakes/TempDir.h"
 #include "lyric/cMusic.h"
+#include "lyric/mLrcForm.h"
 
 namespace toval {
 namespace {
@@ -111,6 +115,113 @@ TEST(cLyric, KeepsLeadingIdTagsOnly) {
     tvl.setLoad(u"[PROPERTY]\r\n[\\PROPERTY][ar:x]\r\n");
     EXPECT_EQ(tvl.IDTags(), u"");
     EXPECT_EQ(tvl.GetLineSize(), 1);
+}
+
+// LRC files as other programs and the web write them, each read into the
+// records the program writes itself.
+TEST(cLyric, ReadsLrcFilesAsUsersHaveThem) {
+    const struct {
+        const char16_t* text;
+        const char16_t* records;
+    } cases[] = {
+        {u"[00:01.00]a\n[00:02.00]b\n", u"[1000]a\r\n[2000]b\r\n"},  // LF alone
+        {u"[00:01.00]a\r[00:02.00]b", u"[1000]a\r\n[2000]b\r\n"},    // CR alone
+        {u"a\n\n[00:01]b", u"[]a\r\n[]\r\n[1000]b\r\n"},
+        {u"\uFEFF  [00:01.00]x", u"[1000]x\r\n"},
+        // Brackets that hold no time are text.
+        {u"[00:01.00][scared]more", u"[1000][scared]more\r\n"},
+        {u"[00:01.00]a < b > c", u"[1000]a < b > c\r\n"},
+        {u"[00:01.00]<00:01.00>ok <bad>lost", u"[1000]<1000>ok <bad>lost\r\n"},
+        {u"[00:01.00]<00:01a50>Not", u"[1000]<00:01a50>Not\r\n"},
+        // Time forms, blanks inside and between stamps.
+        {u"[1:02:33.45]h\n[1:10:10]c\n[01:23,45]d", u"[3753450]h\r\n[70100]c\r\n[83450]d\r\n"},
+        {u"[ 1 : 10 . 1 ] x", u"[70100] x\r\n"},
+        {u"[00:00.00]  [00:10.00]Rep\n[13:00][51:00:00.00]",
+         u"[0][10000]Rep\r\n[780000][183600000]\r\n"},
+        // Word times in angle or square brackets; a word of blanks is a gap,
+        // a time with nothing behind it ends the last word.
+        {u"[00:05.000] hello [00:06.000] world", u"[5000]<> hello <6000> world\r\n"},
+        {u"[00:01.00]<00:01.10>  <00:02.00>x<00:02.50>", u"[1000]<>  <2000>x<2500>\r\n"},
+        // Each repeat of a line with word times gets its own.
+        {u"[00:10.00][00:30.00]<00:10.10>Hi <00:10.50>you",
+         u"[10000]<10100>Hi <10500>you\r\n[30000]<30100>Hi <30500>you\r\n"},
+        // The offset: positive comes earlier.
+        {u"[ar:A]\n[offset:+500]\n[00:01.00]<00:01.20>a", u"[500]<700>a\r\n"},
+        {u"[Offset: -250]\n[00:01.00]a", u"[1250]a\r\n"},
+        // A right-to-left line as the program writes it in LRC.
+        {u"\u05D0[00:01.00]b", u"[1000]\u05D0b\r\n"},
+    };
+    for (const auto& c : cases) {
+        cLyric l;
+        l.setLoad(c.text);
+        EXPECT_EQ(l.Load(), c.records) << testing::PrintToString(std::u16string(c.text));
+        // The LRC written reads back to itself: an offset is not applied twice.
+        cLyric back;
+        back.setLoad(l.LRC(nullptr));
+        EXPECT_EQ(back.LRC(nullptr), l.LRC(nullptr));
+    }
+    cLyric tagged;
+    tagged.setLoad(u"[ar:A]\n[offset:+500]\n[00:01.00]a");
+    EXPECT_EQ(tagged.IDTags(), u"[ar:A]\r\n");
+    // A stamp inside the text is text, and so is the text before it (written
+    // back as LRC, that stamp would read as a word time).
+    tagged.setLoad(u"[00:01]a\nThis could [00:00:00] be");
+    EXPECT_EQ(tagged.Load(), u"[1000]a\r\n[]This could [00:00:00] be\r\n");
+
+    const struct {
+        const char16_t* stamp;
+        int32_t ms;  // kUnset: not a stamp
+    } stamps[] = {
+        // clang-format off
+        {u"00:01.5", 1500}, {u"-00:01.00", -1000}, {u"00:01.1234", 1123}, {u"1:2:3", 62300},
+        {u"1:00:00,5", 3600500}, {u"00:01a50", kUnset}, {u":0", kUnset}, {u"1:2:3:4", kUnset},
+        {u"1.2:3", kUnset}, {u"+-1:00", kUnset}, {u"9999999999:00", kUnset},
+        {u"596524:00", kUnset}, {u"1:", kUnset}, {u"", kUnset},
+        // clang-format on
+    };
+    for (const auto& c : stamps) {
+        int32_t ms = kUnset;
+        EXPECT_EQ(ParseLrcStamp(c.stamp, ms), c.ms != kUnset)
+            << testing::PrintToString(std::u16string(c.stamp));
+        if (c.ms != kUnset) {
+            EXPECT_EQ(ms, c.ms);
+        }
+    }
+}
+
+// Files from other systems: UTF-16 behind a mark, Windows-1252, and what is no
+// text at all.
+TEST(cLyric, ReadsTextFilesInTheirEncodings) {
+    const struct {
+        std::string bytes;
+        const char16_t* text;  // nullptr: not text
+    } cases[] = {
+        {std::string("\xFF\xFE[\0"
+                     "1\0]\0\xAC\x20",
+                     10),
+         u"[1]\u20AC"},
+        {std::string("\xFE\xFF\0[\0"
+                     "1\0]\x20\xAC",
+                     10),
+         u"[1]\u20AC"},
+        {"\xEF\xBB\xBF[1]\x93q\x94", u"[1]\u201Cq\u201D"},
+        {"[1]\x96 \x80 caf\xE9", u"[1]\u2013 \u20AC caf\u00E9"},
+        {std::string("ID3\x03\0\0\0\0", 9), nullptr},
+        {"\x01\x02\x03\x04\x05\x06\x07\x08\x0B\x0E"
+         "ab",
+         nullptr},
+        {"\t\r\n\f", u"\t\r\n\f"},
+    };
+    test::TempDir dir;
+    const std::u16string file = dir.file(u"song.lrc");
+    for (const auto& c : cases) {
+        ASSERT_TRUE(SaveFile(file, c.bytes, 1, true));
+        const std::u16string text = FileRead(file);
+        EXPECT_EQ(IsText(text), c.text != nullptr) << testing::PrintToString(c.bytes);
+        if (c.text) {
+            EXPECT_EQ(text, c.text);
+        }
+    }
 }
 
 TEST(cLyric, ReadsPropertySections) {

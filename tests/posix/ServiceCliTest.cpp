@@ -10,6 +10,7 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "cCliArgs.h"
@@ -118,6 +119,18 @@ TEST(ServiceCli, PrintAndConvertReadAndWriteRealFiles) {
         Tool({"convert", kSample, "-o", (dir.path() / "no" / "such" / "x.lrc").string()});
     EXPECT_EQ(unwritable.code, kExitFile);
     EXPECT_NE(unwritable.err.find("cannot write"), std::string::npos);
+
+    // What holds no lyric says so instead of printing nothing or garbage.
+    for (const auto& [bytes, code, reason] :
+         {std::tuple{std::string("ID3\x03\0\0\0", 7), kExitFile, "not a text file"},
+          std::tuple{std::string("[ar:Me]\n"), kExitNotFound, "only ID tags"},
+          std::tuple{std::string(), kExitNotFound, "the file is empty"}}) {
+        Write(dir.path() / "odd.lrc", bytes);
+        o = Tool({"print", (dir.path() / "odd.lrc").string()});
+        EXPECT_EQ(o.code, code);
+        EXPECT_EQ(o.out, "");
+        EXPECT_NE(o.err.find(reason), std::string::npos) << o.err;
+    }
 }
 
 TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
