@@ -79,10 +79,8 @@ TEST(cPlugin, RefusedRegistrationShowsAnErrorAndCloses) {
         l.channel.registerAnswer = answer;
         l.plugin.Wakeup();
         EXPECT_EQ(l.Commands(), (Ints{1}));
-        ASSERT_EQ(l.shell.boxes.size(), 1u);
-        EXPECT_EQ(l.shell.boxes[0].text, u"<StartErrorBadHandle>");
-        EXPECT_EQ(l.shell.boxes[0].title, u"<ErrorTitle>");
-        EXPECT_EQ(l.shell.boxes[0].flags, kMbIconError);
+        EXPECT_EQ(l.shell.boxes, (std::vector<FakeShell::Box>{
+                                     {u"<StartErrorBadHandle>", u"<ErrorTitle>", kMbIconError}}));
         EXPECT_EQ(l.closes, 1);
         EXPECT_TRUE(l.core->events.empty());
     }

@@ -13,6 +13,7 @@ namespace toval::test {
 namespace {
 
 using Ints = std::vector<int32_t>;
+using Boxes = std::vector<FakeEditorView::Box>;
 
 class StepsTest : public EditorTest {};
 
@@ -170,10 +171,7 @@ TEST_F(StepsTest, SaveWritesTvlLrcOrTextAndReportsAFailure) {
 
     view.saveFile = dir.file(u"no such folder/out.tvl");
     editor.cmdSave_Click();
-    ASSERT_EQ(view.boxes.size(), 1u);
-    EXPECT_EQ(view.boxes[0].text, u"{SaveFailed}");
-    EXPECT_EQ(view.boxes[0].title, u"{ErrorTitle}");
-    EXPECT_EQ(view.boxes[0].flags, kMbIconError);
+    EXPECT_EQ(view.boxes, (Boxes{{u"{SaveFailed}", u"{ErrorTitle}", kMbIconError}}));
     EXPECT_EQ(editor.Step(), 3);  // the lyric stays in the editor
 }
 
@@ -198,9 +196,9 @@ TEST_F(StepsTest, ResetAsksAndOnlyYesGoesBack) {
         EXPECT_EQ(editor.Step(), 2);
         EXPECT_TRUE(editor.HasTimes());
     }
-    EXPECT_EQ(view.boxes[0].text, u"{RequestLyricReset}");
-    EXPECT_EQ(view.boxes[0].title, u"{RequestLyricResetTitle}");
-    EXPECT_EQ(view.boxes[0].flags, kMbYesNoCancel | kMbIconQuestion);
+    EXPECT_EQ(view.boxes[0],
+              (FakeEditorView::Box{u"{RequestLyricReset}", u"{RequestLyricResetTitle}",
+                                   kMbYesNoCancel | kMbIconQuestion}));
     view.boxAnswer = kIdYes;
     editor.cmdReset_Click();
     EXPECT_EQ(editor.Step(), 1);
