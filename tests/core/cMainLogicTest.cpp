@@ -41,7 +41,8 @@ struct Program {
     Program() {
         shell.programFolder = dir.folder();
         shell.specialFolder = dir.path().u16string();
-        dir.Write("enus.ini", "[msg]\r\nStartErrorNoHandle=No player found\r\nAttentionTitle=Attention\r\n");
+        dir.Write("enus.ini",
+                  "[msg]\r\nStartErrorNoHandle=No player found\r\nAttentionTitle=Attention\r\n");
         main = std::make_unique<cMainLogic>(
             globals, cMainLogic::Parts{shell, channel, ini, clock, poll, destroy, surface, measure},
             [this](cConfig&, Random&, const std::shared_ptr<cMusic>& track) {
@@ -86,14 +87,8 @@ TEST(cMainLogic, CommandLineDecidesHowOftenThePluginIsSought) {
         EXPECT_FALSE(p.main->Form_Load(c.command));
         EXPECT_EQ(p.channel.findCalls, c.searches);
         EXPECT_EQ(p.shell.sleeps, std::vector<int32_t>(c.searches - 1, 2000));
-        if (c.message) {
-            ASSERT_EQ(p.shell.boxes.size(), 1u);
-            EXPECT_EQ(p.shell.boxes[0].text, u"No player found");
-            EXPECT_EQ(p.shell.boxes[0].title, u"Attention");
-            EXPECT_EQ(p.shell.boxes[0].flags, kMbIconExclamation);
-        } else {
-            EXPECT_TRUE(p.shell.boxes.empty());
-        }
+        const FakeShell::Box box{u"No player found", u"Attention", kMbIconExclamation};
+        EXPECT_EQ(p.shell.boxes, c.message ? std::vector{box} : std::vector<FakeShell::Box>{});
         EXPECT_EQ(p.log, (std::vector<std::string>{"quit"}));
         EXPECT_EQ(p.channel.installs, 0);
         EXPECT_FALSE(p.main->Core());

@@ -15,13 +15,15 @@
 namespace toval::test {
 namespace {
 
+using Ints = std::vector<int32_t>;
+
 // A controller that only records the events it receives.
 class RecordingCore : public cCore {
   public:
     RecordingCore(cGlobals& g, Shell& shell, Random& random)
         : cCore(g, shell, random, std::make_shared<FakeLyricSource>(), nullptr) {}
     void PluginEvent(int32_t code) override { events.push_back(code); }
-    std::vector<int32_t> events;
+    Ints events;
 };
 
 struct Link {
@@ -34,58 +36,51 @@ struct Link {
     std::shared_ptr<RecordingCore> core = std::make_shared<RecordingCore>(globals, shell, random);
     int closes = 0;
 
-    Link() {
+    explicit Link(bool linked = true) {
         plugin.setPluginHwnd(0x99);
         plugin.onCloseProgram = [this] { ++closes; };
+        if (linked) plugin.setCore(core);
     }
-    std::vector<int32_t> Commands() const {
-        std::vector<int32_t> out;
+    Ints Commands() const {
+        Ints out;
         for (const auto& s : channel.sent)
             out.push_back(s.command);
         return out;
+    }
+    int64_t Send(uint32_t message, int64_t code, std::string_view data = {}) {
+        int64_t result = -1;
+        EXPECT_TRUE(plugin.ProcessMessage(message, 0, code, data, result)) << code;
+        return result;
     }
 };
 
 TEST(cPlugin, WakeupRegistersAndLearnsThePlayer) {
     Link l;
     EXPECT_EQ(l.channel.filterCalls, 1);  // WM_USER let through once, at creation
-    l.plugin.setCore(l.core);
-    l.channel.lengthUnit = 1;
     l.plugin.Wakeup();
-    ASSERT_EQ(l.Commands(), (std::vector<int32_t>{1, 6, 7}));
+    ASSERT_EQ(l.Commands(), (Ints{1, 6, 7}));
     EXPECT_EQ(l.channel.sent[0].window, 0x99);
     EXPECT_EQ(l.channel.sent[0].argument, 0x1234);  // the handler window
     EXPECT_EQ(l.plugin.PlayerHwnd(), 0x777);
-    EXPECT_TRUE(l.plugin.MiliTrackLength());
-    EXPECT_EQ(l.core->events, (std::vector<int32_t>{kEventAwake}));
-
-    // A unit answer other than 0 or 1 keeps the unit.
-    l.channel.lengthUnit = 2;
-    l.plugin.Wakeup();
-    EXPECT_TRUE(l.plugin.MiliTrackLength());
-    l.channel.lengthUnit = 0;
-    l.plugin.Wakeup();
-    EXPECT_FALSE(l.plugin.MiliTrackLength());
+    EXPECT_EQ(l.core->events, (Ints{kEventAwake}));
+    // The length unit: 1 milliseconds, 0 seconds; any other answer keeps the unit.
+    for (auto [answer, milli] : {std::pair{1, true}, {2, true}, {0, false}, {2, false}}) {
+        l.channel.lengthUnit = answer;
+        l.plugin.Wakeup();
+        EXPECT_EQ(l.plugin.MiliTrackLength(), milli) << answer;
+    }
     EXPECT_TRUE(l.shell.boxes.empty());
     EXPECT_EQ(l.closes, 0);
-
-    Link fresh;
-    fresh.channel.lengthUnit = 2;
-    fresh.plugin.Wakeup();  // no core: nobody to tell
-    EXPECT_FALSE(fresh.plugin.MiliTrackLength());
 }
 
 TEST(cPlugin, RefusedRegistrationShowsAnErrorAndCloses) {
     for (int32_t answer : {0, 2, -1}) {
         Link l;
-        l.plugin.setCore(l.core);
         l.channel.registerAnswer = answer;
         l.plugin.Wakeup();
-        EXPECT_EQ(l.Commands(), (std::vector<int32_t>{1}));
-        ASSERT_EQ(l.shell.boxes.size(), 1u);
-        EXPECT_EQ(l.shell.boxes[0].text, u"<StartErrorBadHandle>");
-        EXPECT_EQ(l.shell.boxes[0].title, u"<ErrorTitle>");
-        EXPECT_EQ(l.shell.boxes[0].flags, kMbIconError);
+        EXPECT_EQ(l.Commands(), (Ints{1}));
+        EXPECT_EQ(l.shell.boxes, (std::vector<FakeShell::Box>{
+                                     {u"<StartErrorBadHandle>", u"<ErrorTitle>", kMbIconError}}));
         EXPECT_EQ(l.closes, 1);
         EXPECT_TRUE(l.core->events.empty());
     }
@@ -94,24 +89,20 @@ TEST(cPlugin, RefusedRegistrationShowsAnErrorAndCloses) {
 TEST(cPlugin, UpdatePollsThePositionAndClosesWhenThePluginIsGone) {
     Link l;
     l.channel.position = 61000;
-    l.plugin.Update();
+    EXPECT_EQ(l.plugin.Update(), 61000);
     EXPECT_EQ(l.globals.PlayPosition, 61000);
-    EXPECT_EQ(l.Commands(), (std::vector<int32_t>{2}));
-
     // Zero while alive: only the position changes.
     l.channel.position = 0;
     l.plugin.Update();
     EXPECT_EQ(l.globals.PlayPosition, 0);
-    EXPECT_EQ(l.Commands(), (std::vector<int32_t>{2, 2, 4}));
+    EXPECT_EQ(l.Commands(), (Ints{2, 2, 4}));
     EXPECT_EQ(l.closes, 0);
-
     // A dead window answers 0 to everything.
     l.channel.dead = true;
     l.plugin.Update();
     EXPECT_EQ(l.closes, 1);
     EXPECT_FALSE(l.plugin.Alive());
     EXPECT_EQ(l.plugin.PlaylistPosisition(), 0);
-
     l.channel.dead = false;
     l.channel.playlistPosition = 17;
     EXPECT_EQ(l.plugin.PlaylistPosisition(), 17);
@@ -119,52 +110,43 @@ TEST(cPlugin, UpdatePollsThePositionAndClosesWhenThePluginIsGone) {
 
 TEST(cPlugin, CloseProgramTellsCoreAndPlugin) {
     Link l;
-    l.plugin.setCore(l.core);
     l.plugin.closeProgram();
-    EXPECT_EQ(l.core->events, (std::vector<int32_t>{kEventPlayerClosed}));
-    EXPECT_EQ(l.Commands(), (std::vector<int32_t>{4, 5}));
+    EXPECT_EQ(l.core->events, (Ints{kEventPlayerClosed}));
+    EXPECT_EQ(l.Commands(), (Ints{4, 5}));
     EXPECT_EQ(l.closes, 1);
 
-    Link dead;
+    Link dead(false);
     dead.channel.alive = false;
     dead.plugin.closeProgram();  // no core, plug-in not alive: nothing is sent
-    EXPECT_EQ(dead.Commands(), (std::vector<int32_t>{4}));
+    EXPECT_EQ(dead.Commands(), (Ints{4}));
     EXPECT_EQ(dead.closes, 1);
 }
 
 TEST(cPlugin, ProcessMessageFollowsTheTable) {
-    Link l;
-    int64_t result = -1;
     // Without a core every notice is swallowed, the ping included.
-    for (int64_t code : {1, 2, 3, 4, 0, 99, -1}) {
-        result = -1;
-        EXPECT_TRUE(l.plugin.ProcessMessage(kWmUser, 5, code, {}, result));
-        EXPECT_EQ(result, 0) << code;
-    }
-    EXPECT_EQ(l.closes, 0);
+    Link alone(false);
+    for (int64_t code : {1, 2, 3, 4, 0, 99, -1})
+        EXPECT_EQ(alone.Send(kWmUser, code), 0) << code;
+    EXPECT_EQ(alone.closes, 0);
     // Other messages go on to the window's own procedure.
-    EXPECT_FALSE(l.plugin.ProcessMessage(0x0F, 0, 4, {}, result));
-    EXPECT_FALSE(l.plugin.ProcessMessage(kWmUser + 1, 0, 1, {}, result));
+    int64_t result = 0;
+    EXPECT_FALSE(alone.plugin.ProcessMessage(0x0F, 0, 4, {}, result));
+    EXPECT_FALSE(alone.plugin.ProcessMessage(kWmUser + 1, 0, 1, {}, result));
 
-    l.plugin.setCore(l.core);
     struct Row {
         int64_t code, result;
-        std::vector<int32_t> events;
+        Ints events;
         int closes;
     };
-    const Row rows[] = {
-        {1, 0, {kEventStopped}, 0},
-        {2, 0, {kEventSlowDown}, 0},
-        {3, 0, {kEventPlayerClosed}, 1},
-        {4, 1, {}, 0},
-        {5, 0, {}, 0},
-        {0x100000001LL, 0, {}, 0},
-    };
+    const Row rows[] = {{1, 0, {kEventStopped}, 0},
+                        {2, 0, {kEventSlowDown}, 0},
+                        {3, 0, {kEventPlayerClosed}, 1},
+                        {4, 1, {}, 0},
+                        {5, 0, {}, 0},
+                        {0x100000001LL, 0, {}, 0}};
     for (const Row& row : rows) {
-        l.core->events.clear();
-        l.closes = 0;
-        EXPECT_TRUE(l.plugin.ProcessMessage(kWmUser, 0, row.code, {}, result));
-        EXPECT_EQ(result, row.result) << row.code;
+        Link l;
+        EXPECT_EQ(l.Send(kWmUser, row.code), row.result) << row.code;
         EXPECT_EQ(l.core->events, row.events) << row.code;
         EXPECT_EQ(l.closes, row.closes) << row.code;
     }
@@ -172,41 +154,34 @@ TEST(cPlugin, ProcessMessageFollowsTheTable) {
 
 TEST(cPlugin, TagRecordOfAnyOtherSizeIsRefused) {
     Link l;
-    l.plugin.setCore(l.core);
     l.plugin.Music()->setTitle(u"kept");
     const std::string good = FakePluginChannel::TagRecord("x.mp3", "A", "B", "T", 5);
     for (size_t size : {size_t{0}, size_t{12}, size_t{3595}, size_t{3597}, size_t{7192}}) {
         std::string block = good;
         block.resize(size, 'x');
-        int64_t result = -1;
-        EXPECT_TRUE(l.plugin.ProcessMessage(kWmCopyData, 0, 0, block, result));
-        EXPECT_EQ(result, 0);
+        EXPECT_EQ(l.Send(kWmCopyData, 0, block), 0);
     }
     EXPECT_EQ(l.plugin.Music()->Title(), u"kept");
     EXPECT_TRUE(l.core->events.empty());
-
-    int64_t result = -1;
-    EXPECT_TRUE(l.plugin.ProcessMessage(kWmCopyData, 0, 0, good, result));
+    EXPECT_EQ(l.Send(kWmCopyData, 0, good), 0);
     EXPECT_EQ(l.plugin.Music()->Title(), u"T");
-    EXPECT_EQ(l.core->events, (std::vector<int32_t>{kEventNewTrack}));
+    EXPECT_EQ(l.core->events, (Ints{kEventNewTrack}));
 }
 
 TEST(cPlugin, TagFieldsAreDecodedTrimmedAndCut) {
     Link l;
-    l.channel.lengthUnit = 1;
     l.plugin.Wakeup();
     ASSERT_TRUE(l.plugin.MiliTrackLength());
-    const std::string path = " /music/caf\xC3\xA9.mp3";
-    ASSERT_TRUE(l.plugin.updateTag(FakePluginChannel::TagRecord(
-        path, "  Bj\xC3\xB6rk  ", "Caf\xE9x", std::string(1024, 'x'), 215000)));
+    ASSERT_TRUE(l.plugin.updateTag(FakePluginChannel::TagRecord(" /music/caf\xC3\xA9.mp3",
+                                                                "  Bj\xC3\xB6rk  ", "Caf\xE9x",
+                                                                std::string(1024, 'x'), 215000)));
     const auto& m = *l.plugin.Music();
-    // Blanks are removed around the whole field; those before the zeros stay.
+    // Blanks are removed around the whole field, so those before the zeros
+    // stay; a lone high byte reads as Latin-1; a field that fills its width
+    // is taken whole; the path keeps its blanks.
     EXPECT_EQ(m.Artist(), u"Bj\u00F6rk  ");
-    // A lone high byte reads as Latin-1.
     EXPECT_EQ(m.Album(), u"Caf\u00E9x");
-    // A field that fills its width is taken whole.
     EXPECT_EQ(m.Title(), std::u16string(1024, u'x'));
-    // The path keeps its blanks.
     EXPECT_EQ(m.FileAddress(), u" /music/caf\u00E9.mp3");
     EXPECT_EQ(m.MiliDuration(), 215000);
 
@@ -220,7 +195,6 @@ TEST(cPlugin, TagFieldsAreDecodedTrimmedAndCut) {
     EXPECT_EQ(m.Artist(), u"");
     EXPECT_EQ(m.MiliDuration(), 215000);
     EXPECT_EQ(m.Duration(), 215);
-
     // The length is read little-endian and signed.
     ASSERT_TRUE(l.plugin.updateTag(FakePluginChannel::TagRecord("", "", "", "", -2)));
     EXPECT_EQ(m.MiliDuration(), -2000);

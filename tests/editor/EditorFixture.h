@@ -60,13 +60,8 @@ class EditorTest : public ::testing::Test {
     // Times: the line's own and, per word, the word's.
     std::shared_ptr<cLyricLine> Line(int32_t l) { return editor.Lyric()->GetLine(l); }
     std::shared_ptr<cLyricWord> Word(int32_t l, int32_t w) { return Line(l)->GetWord(w); }
-    static std::vector<int32_t> Times(const std::shared_ptr<cLyricWord>& e) {
-        std::vector<int32_t> out;
-        for (int32_t i = 0; i < e->GetTimeSize(); ++i)
-            out.push_back(e->GetTime(i)->Time());
-        return out;
-    }
-    static std::vector<int32_t> Times(const std::shared_ptr<cLyricLine>& e) {
+    template <class Element>
+    static std::vector<int32_t> Times(const std::shared_ptr<Element>& e) {
         std::vector<int32_t> out;
         for (int32_t i = 0; i < e->GetTimeSize(); ++i)
             out.push_back(e->GetTime(i)->Time());

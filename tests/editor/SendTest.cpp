@@ -64,9 +64,7 @@ TEST_F(SendTest, TheServicesAnswerReachesTheUserAndHoldsTheWindowOpenMeanwhile) 
         answer();
         view.onMessage = nullptr;
         ASSERT_FALSE(view.boxes.empty());
-        EXPECT_EQ(view.boxes.back().text, text);
-        EXPECT_EQ(view.boxes.back().title, title);
-        EXPECT_EQ(view.boxes.back().flags, flags);
+        EXPECT_EQ(view.boxes.back(), (FakeEditorView::Box{text, title, flags}));
         EXPECT_FALSE(editor.Sending());
         EXPECT_TRUE(view.enabled[eEditorControl::cmdInternet]);
         EXPECT_TRUE(editor.Sent());  // since the first answer

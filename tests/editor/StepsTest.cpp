@@ -13,6 +13,7 @@ namespace toval::test {
 namespace {
 
 using Ints = std::vector<int32_t>;
+using Boxes = std::vector<FakeEditorView::Box>;
 
 class StepsTest : public EditorTest {};
 
@@ -152,12 +153,7 @@ TEST_F(StepsTest, SaveWritesTvlLrcOrTextAndReportsAFailure) {
     EXPECT_EQ(saved, view.saveFile);
     cLyric back;
     back.setLoad(FileRead(view.saveFile));
-    const std::u16string written = editor.SaveText(1);
-    ASSERT_EQ(back.GetLineSize(), 2) << std::string(written.begin(), written.end());
-    ASSERT_EQ(back.GetLine(0)->GetTimeSize(), 1) << std::string(written.begin(), written.end());
-    EXPECT_EQ(back.GetLine(0)->GetTime(0)->Time(), 1000);
-    EXPECT_EQ(back.GetLine(0)->GetWord(0)->GetTime(0)->Time(), 1250);
-    EXPECT_EQ(back.GetLine(0)->GetWord(2)->GetTime(0)->Time(), 1500);
+    EXPECT_EQ(back.Load(), u"[1000]<1250>one<> <1500>two\r\n[]<>three\r\n");
     EXPECT_EQ(back.Mutation(), editor.Lyric()->Mutation());
 
     view.saveFile = dir.file(u"out.lrc");
@@ -175,10 +171,7 @@ TEST_F(StepsTest, SaveWritesTvlLrcOrTextAndReportsAFailure) {
 
     view.saveFile = dir.file(u"no such folder/out.tvl");
     editor.cmdSave_Click();
-    ASSERT_EQ(view.boxes.size(), 1u);
-    EXPECT_EQ(view.boxes[0].text, u"{SaveFailed}");
-    EXPECT_EQ(view.boxes[0].title, u"{ErrorTitle}");
-    EXPECT_EQ(view.boxes[0].flags, kMbIconError);
+    EXPECT_EQ(view.boxes, (Boxes{{u"{SaveFailed}", u"{ErrorTitle}", kMbIconError}}));
     EXPECT_EQ(editor.Step(), 3);  // the lyric stays in the editor
 }
 
@@ -203,9 +196,9 @@ TEST_F(StepsTest, ResetAsksAndOnlyYesGoesBack) {
         EXPECT_EQ(editor.Step(), 2);
         EXPECT_TRUE(editor.HasTimes());
     }
-    EXPECT_EQ(view.boxes[0].text, u"{RequestLyricReset}");
-    EXPECT_EQ(view.boxes[0].title, u"{RequestLyricResetTitle}");
-    EXPECT_EQ(view.boxes[0].flags, kMbYesNoCancel | kMbIconQuestion);
+    EXPECT_EQ(view.boxes[0],
+              (FakeEditorView::Box{u"{RequestLyricReset}", u"{RequestLyricResetTitle}",
+                                   kMbYesNoCancel | kMbIconQuestion}));
     view.boxAnswer = kIdYes;
     editor.cmdReset_Click();
     EXPECT_EQ(editor.Step(), 1);

@@ -27,17 +27,8 @@ TEST(TextToLyric, SeparatorSetHoldsExactlyTheFortyFiveCharacters) {
         u"\u201C\u201D\u2028\u205F\u3000\u3001\u3002";
     ASSERT_EQ(separators.size(), 45u);
     EXPECT_EQ(t.editor.SepCount(), 45);
-    for (const char16_t c : separators)
-        EXPECT_EQ(t.editor.findSepChar(static_cast<int16_t>(c)), static_cast<int16_t>(c))
-            << "U+" << std::hex << static_cast<int>(c);
-    // Word characters: the apostrophes, tab, underscore, $ % ~ ^, brackets,
-    // letters, and the neighbours of every separator range.
-    const std::u16string word =
-        u"'\u2019\t_$%~^[]<>aZ09\u0000\u001F\u2027\u200B\u3003\uFF0B\uFFFF\u8000";
-    for (const char16_t c : word)
-        EXPECT_EQ(t.editor.findSepChar(static_cast<int16_t>(c)), kNoSep)
-            << "U+" << std::hex << static_cast<int>(c);
-    // Every 16-bit value: the halving search agrees with a plain scan.
+    // Every 16-bit value, the neighbours of each separator range among them:
+    // the halving search agrees with a plain scan of the set.
     int found = 0;
     for (int32_t v = -32768; v <= 32767; ++v) {
         const auto code = static_cast<int16_t>(v);

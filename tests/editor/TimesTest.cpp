@@ -1,5 +1,7 @@
 // Range operations on times, the advanced dialog's checks and actions, and
 // the single-time dialog.
+#include <functional>
+
 #include "EditorFixture.h"
 #include "editor/cEditAdvTime.h"
 #include "editor/cEditTime.h"
@@ -58,22 +60,26 @@ TEST_F(TimesTest, LimitsDeleteDelayAndAdjustOverARange) {
 
 TEST_F(TimesTest, ArithmeticThatLeaves32BitsStopsWithoutWrapping) {
     editor.Lyric()->setLoad(u"[2147483000]<10>a <2147483600>b\r\n");
-    editor.setDelay(1000, 0, INT32_MAX);
-    // The line time would overflow: the walk stops there, nothing else moves.
-    EXPECT_EQ(Times(Line(0)), Ints{2147483000});
-    EXPECT_EQ(Times(Word(0, 0)), Ints{10});
-    editor.setDelay(INT32_MIN, 0, 100);  // 10 - 2^31 still fits
-    EXPECT_EQ(Times(Word(0, 0)), Ints{INT32_MIN + 10});
-    editor.setDelay(-11, INT32_MIN, 0);  // one below the smallest: stops
-    EXPECT_EQ(Times(Word(0, 0)), Ints{INT32_MIN + 10});
-    editor.setDelay(-10, INT32_MIN, 0);
-    EXPECT_EQ(Times(Word(0, 0)), Ints{INT32_MIN});
-    editor.setAdjust(1e10, 0, 0, INT32_MAX);
-    EXPECT_EQ(Times(Line(0)), Ints{2147483000});
-    editor.setAdjust(std::nan(""), 0, 0, INT32_MAX);
-    EXPECT_EQ(Times(Line(0)), Ints{2147483000});
-    editor.setAdjust(-1.0, 0, INT32_MIN, INT32_MAX);  // t - from needs 64 bits
-    EXPECT_EQ(Times(Line(0)), Ints{2147483000});
+    // A time that would leave 32 bits stops the walk there: what came
+    // before it has moved, nothing after it.
+    const std::pair<std::function<void()>, std::u16string> steps[] = {
+        {[&] { editor.setDelay(1000, 0, INT32_MAX); }, u"[2147483000]<10>a <2147483600>b\r\n"},
+        {[&] { editor.setDelay(INT32_MIN, 0, 100); },  // 10 - 2^31 still fits
+         u"[2147483000]<-2147483638>a <2147483600>b\r\n"},
+        {[&] { editor.setDelay(-11, INT32_MIN, 0); },  // one below the smallest
+         u"[2147483000]<-2147483638>a <2147483600>b\r\n"},
+        {[&] { editor.setDelay(-10, INT32_MIN, 0); },
+         u"[2147483000]<-2147483648>a <2147483600>b\r\n"},
+        {[&] { editor.setAdjust(1e10, 0, 0, INT32_MAX); },
+         u"[2147483000]<-2147483648>a <2147483600>b\r\n"},
+        {[&] { editor.setAdjust(std::nan(""), 0, 0, INT32_MAX); },
+         u"[2147483000]<-2147483648>a <2147483600>b\r\n"},
+        {[&] { editor.setAdjust(-1.0, 0, INT32_MIN, INT32_MAX); },  // t - from needs 64 bits
+         u"[2147483000]<-2147483648>a <2147483600>b\r\n"}};
+    for (const auto& [change, records] : steps) {
+        change();
+        EXPECT_EQ(Records(), records);
+    }
 }
 
 TEST(EditAdvTime, PrefillsFromTheLimitsAndChecksFieldsInOrder) {

@@ -210,9 +210,7 @@ TEST_F(TimingTest, MenuDeletesAndEditsTheClickedElementsTimes) {
     // "Delete times" of the element drops the pending last stamp too.
     view.onMenu = [](const cEditorMenu&) { return cMenuChoice{cMenuChoice::DelTimes, 0}; };
     editor.pb_Main_MouseDown(kButtonRight, 0, 100, 3);  // line 0 itself
-    EXPECT_EQ(Times(Line(0)), Ints{});
-    EXPECT_EQ(Times(Line(1)), Ints{});
-    EXPECT_EQ(Times(Word(0, 0)), Ints{210});
+    EXPECT_EQ(Records(), u"[]<210>ab<> <>cd\r\n[]<800>ef<> <>gh\r\n");
     EXPECT_FALSE(editor.lastTimeSet());
 }
 

@@ -80,13 +80,12 @@ TEST_F(UndoTest, StampsUndoAndRedoWithTheKeysAndEachChangeMutates) {
     EXPECT_NE(mutations[0], mutations[1]);
 
     editor.pb_Main_KeyDown(kKeyZ, kCtrlMask);  // the correction
-    EXPECT_EQ(Times(Word(0, 0)), Ints{200});
+    EXPECT_EQ(Records(), u"[100]<200>one<> <>two\r\n[]<>three<> <>four\r\n");
     EXPECT_FALSE(editor.lastTimeSet());  // the stamp's object is gone
     editor.pb_Main_KeyDown(kKeyZ, kCtrlMask);
-    EXPECT_EQ(Times(Word(0, 0)), Ints{});
-    EXPECT_EQ(Times(Line(0)), Ints{100});
+    EXPECT_EQ(Records(), u"[100]<>one<> <>two\r\n[]<>three<> <>four\r\n");
     editor.pb_Main_KeyDown(kKeyY, kCtrlMask);
-    EXPECT_EQ(Times(Word(0, 0)), Ints{200});
+    EXPECT_EQ(Records(), u"[100]<200>one<> <>two\r\n[]<>three<> <>four\r\n");
     EXPECT_TRUE(editor.CanRedo());
     // Undo is a no-op outside timing and preview, and when the history is empty.
     editor.pb_Main_KeyDown(kKeyZ, kCtrlMask);

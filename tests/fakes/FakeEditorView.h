@@ -19,6 +19,7 @@ class FakeEditorView : public iEditorView {
     struct Box {
         std::u16string text, title;
         int32_t flags;
+        bool operator==(const Box&) const = default;
     };
     struct Redrawn {
         int32_t line, word;
@@ -77,7 +78,7 @@ class FakeEditorView : public iEditorView {
             if (dialog.txtEdit_KeyPress(key)) return;
     }
     void ShowEditInfo(const std::u16string& text) override { infoShown.push_back(text); }
-    void Redraw() override { ++redraws; }
+    void Redraw() override {}
     void RedrawElement(int32_t line, int32_t word, bool highlighted) override {
         redrawn.push_back({line, word, highlighted});
     }
@@ -110,7 +111,6 @@ class FakeEditorView : public iEditorView {
     std::vector<int32_t> advRefused;
     std::vector<std::u16string> editTimeShown;
     std::vector<std::u16string> infoShown;
-    int redraws = 0;
     std::vector<Redrawn> redrawn;
     cWindowRect rect;
 };

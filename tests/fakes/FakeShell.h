@@ -14,6 +14,7 @@ class FakeShell : public Shell {
     struct Box {
         std::u16string text, title;
         int32_t flags;
+        bool operator==(const Box&) const = default;
     };
 
     int32_t ShowMessage(const std::u16string& text, const std::u16string& title,
