@@ -22,8 +22,27 @@ if [ ! -f "$root/build/default/build.ninja" ]; then
         exit 1
     fi
 fi
-((first)) && say "building toval-lyric (first run: a minute or two)"
-if ! (cd "$root" && cmake --build --preset default --target toval-lyric) >"$log" 2>&1; then
+# Keeps the build's output in the log and shows how far it has come: one
+# line that counts up on a terminal, every tenth step otherwise.
+progress() {
+    local line shown=0
+    while IFS= read -r line; do
+        printf '%s\n' "$line" >>"$log"
+        [[ $line =~ ^\[([1-9][0-9]*)/([0-9]+)\] ]] || continue
+        local step=${BASH_REMATCH[1]} of=${BASH_REMATCH[2]}
+        if [ -t 2 ]; then
+            printf '\rrun.sh: building toval-lyric: step %s of %s ' "$step" "$of" >&2
+            shown=1
+        elif ((step % 10 == 0 || step == of)); then
+            say "building toval-lyric: step $step of $of"
+        fi
+    done
+    ((shown)) && echo >&2
+    return 0
+}
+: >"$log"
+((first)) && say "building toval-lyric (first run: a few minutes; output in build/run-build.log)"
+if ! (cd "$root" && cmake --build --preset default --target toval-lyric) 2>&1 | progress; then
     tail -n 40 "$log" >&2
     say "the build failed; the end of its output is above (all of it: $log)"
     exit 1

@@ -2,7 +2,9 @@
 # Builds and runs every test: the native suite, the same suite under
 # AddressSanitizer + UndefinedBehaviorSanitizer, the Windows (x86_64) build of
 # the core and its tests under Wine, the 32-bit Windows release build, and a
-# short run of every fuzz target.
+# short run of every fuzz target. It ends with the cases of each suite and the
+# total, "total: N passed, N failed": every GoogleTest case of every test
+# program, one case per fuzz target and one for the include check.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -14,53 +16,98 @@ passed=0
 failed=0
 step() { echo; echo "=== $*"; }
 
-# Runs one ctest preset and adds its counts to the totals.
+suites=()  # one line per suite for the closing breakdown
+
+# Counts one suite's cases into the totals and the breakdown: PASSED FAILED LABEL.
+count() {
+    passed=$((passed + $1)); failed=$((failed + $2))
+    ((${2} == 0)) || status=1
+    suites+=("$(printf '%-28s %5d passed, %d failed' "$3" "$1" "$2")")
+    echo "${suites[-1]}"
+}
+
+# Reads one attribute of the <testsuites> element of a GoogleTest XML report.
+report_attr() {
+    local v
+    v=$(grep -o -m 1 "<testsuites [^>]*" "$1" | grep -o " $2=\"[0-9]*\"" | tr -dc 0-9 || true)
+    echo "${v:-0}"
+}
+
+# The cases a GoogleTest XML report says were skipped, summed over its suites.
+skipped() {
+    local n=0 v
+    for v in $(grep -o '<testsuite [^>]*' "$1" | grep -o ' skipped="[0-9]*"' | tr -dc '0-9\n' || true); do
+        n=$((n + v))
+    done
+    echo "$n"
+}
+
+# Runs every test program of one ctest preset, one at a time, each writing its
+# GoogleTest report into a folder of its own, and counts their cases. A program
+# that fails with no failed case (a crash, a leak found at exit) or writes no
+# report counts as one failed case.
 run_ctest() {
-    local log
-    log=$(mktemp)
-    if ctest --preset "$1" 2>&1 | tee "$log"; then :; fi
-    local summary
-    summary=$(grep -E 'tests passed, [0-9]+ tests failed out of [0-9]+' "$log" | tail -n 1)
-    if [ -z "$summary" ]; then
-        echo "ctest --preset $1 printed no summary"
-        failed=$((failed + 1)); status=1
-    else
-        local total bad
-        bad=$(sed -E 's/.* ([0-9]+) tests failed out of ([0-9]+).*/\1/' <<<"$summary")
-        total=$(sed -E 's/.* ([0-9]+) tests failed out of ([0-9]+).*/\2/' <<<"$summary")
-        passed=$((passed + total - bad)); failed=$((failed + bad))
-        [ "$bad" = 0 ] || status=1
+    local preset=$1 reports
+    reports=$PWD/build/$preset/test-reports
+    rm -rf "$reports"; mkdir -p "$reports"
+    local list
+    list=$(ctest --preset "$preset" -N 2>&1 | sed -n -E 's/^ *Test +#([0-9]+): ([^ ]+).*/\1 \2/p')
+    if [ -z "$list" ]; then
+        echo "ctest --preset $preset lists no test"
+        count 0 1 "$preset: (no tests)"; return
     fi
-    rm -f "$log"
+    local number name
+    while read -r number name; do
+        local dir=$reports/$name out=$reports/$name.log
+        mkdir -p "$dir"
+        # Programs under Wine see the Unix root as drive Z:.
+        local where=$dir/
+        [[ $preset == mingw* ]] && where="Z:${dir//\//\\}\\"
+        local ok=1
+        GTEST_OUTPUT="xml:$where" ctest --preset "$preset" -I "$number,$number" >"$out" 2>&1 || ok=0
+        local xmls=("$dir"/*.xml) tests=0 bad=0 off=0 x
+        for x in "${xmls[@]}"; do
+            [ -f "$x" ] || continue
+            tests=$((tests + $(report_attr "$x" tests)))
+            bad=$((bad + $(report_attr "$x" failures) + $(report_attr "$x" errors)))
+            off=$((off + $(report_attr "$x" disabled) + $(skipped "$x")))
+        done
+        [ -f "${xmls[0]}" ] || echo "$preset $name: no test report"
+        ((ok)) || { echo "--- $preset $name failed:"; tail -n 60 "$out"; }
+        # The program's own failure beyond its failed cases is one more.
+        local extra=0
+        if ! ((ok)) && ((bad == 0)) || [ ! -f "${xmls[0]}" ]; then extra=1; fi
+        count $((tests - bad - off)) $((bad + extra)) "$preset $name"
+    done <<<"$list"
+}
+
+# Configures and builds one preset; a build that fails counts as one failed case.
+build() {
+    if cmake --preset "$1" >/dev/null && cmake --build --preset "$1"; then return 0; fi
+    count 0 1 "$1: build"
+    return 1
 }
 
 step "include ladder"
-if scripts/check-layers.sh; then passed=$((passed + 1)); else failed=$((failed + 1)); status=1; fi
+if scripts/check-layers.sh; then count 1 0 "include ladder"; else count 0 1 "include ladder"; fi
 
 step "native build and tests"
-cmake --preset default >/dev/null
-cmake --build --preset default
-run_ctest default
+build default && run_ctest default
 
 step "sanitizer build (ASan + UBSan) and tests"
-cmake --preset asan >/dev/null
-cmake --build --preset asan
-run_ctest asan
+build asan && run_ctest asan
 
 step "Windows x86_64 build, tests under Wine"
-cmake --preset mingw-x64 >/dev/null
-cmake --build --preset mingw-x64
 mkdir -p build/wineprefix
-run_ctest mingw-x64
+build mingw-x64 && run_ctest mingw-x64
 
 step "Windows i686 release build"
-cmake --preset mingw-i686 >/dev/null
-cmake --build --preset mingw-i686
+build mingw-i686 || true
 
 step "fuzz targets, ${FUZZ_SECONDS} s each"
-cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz
-fuzzed=0
+fuzz_ok=0
+fuzz_bad=0
+build fuzz || true
 for target in build/fuzz/fuzz/fuzz_*; do
     [ -x "$target" ] || continue
     name=$(basename "$target")
@@ -71,15 +118,16 @@ for target in build/fuzz/fuzz/fuzz_*; do
     if "$target" -max_total_time="$FUZZ_SECONDS" -print_final_stats=0 "$corpus" "${seeds[@]}" \
         >"build/fuzz/$name.log" 2>&1; then
         echo "$name: no finding"
-        fuzzed=$((fuzzed + 1)); passed=$((passed + 1))
+        fuzz_ok=$((fuzz_ok + 1))
     else
-        echo "$name: FINDING"; tail -n 40 "build/fuzz/$name.log"; status=1
-        failed=$((failed + 1))
+        echo "$name: FINDING"; tail -n 40 "build/fuzz/$name.log"
+        fuzz_bad=$((fuzz_bad + 1))
     fi
 done
-echo "fuzz targets run: $fuzzed"
+count "$fuzz_ok" "$fuzz_bad" "fuzz targets"
 
 echo
-echo "test suites and fuzz targets:"
+echo "=== test cases by suite (fuzz targets: one case each)"
+printf '%s\n' "${suites[@]}"
 echo "total: $passed passed, $failed failed"
 exit $status

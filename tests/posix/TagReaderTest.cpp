@@ -15,6 +15,7 @@
 #include "cCliMain.h"
 #include "fakes/TempDir.h"
 #include "mAudioTags.h"
+#include "posix/FakeLyricService.h"
 
 namespace toval::test {
 namespace {
@@ -116,17 +117,24 @@ TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
             EXPECT_EQ(ReadAudioTagsFromMemory(Read(c.path)).title, got.title) << c.path;
         }
     }
-    // A file cut short keeps whatever tags precede the cut, and never fails.
+    // Every prefix of a tagged file reads without failing (the fuzz target goes further).
     const std::string flac = Read(at("utf8.flac"));
     for (size_t size = 0; size < flac.size(); size += 97)
         ReadAudioTagsFromMemory(std::string_view(flac).substr(0, size));
 }
 
 TEST(TagReader, LookupTakesTheTrackTagsAndTheOptionsWin) {
-    TempDir cache;
+    TempDir dir, cache;
+    FakeLyricService service;
+    service.AddLyric("Toval Samples", "Harbour Lanterns", "[500]from the service");
+    // The sample track alone, without its lyric beside it.
+    const std::string track = (dir.path() / "harbour.flac").string();
+    std::filesystem::copy_file(kSamples + "harbour.flac", track);
     const auto lookup = [&](std::vector<std::string> extra) {
-        std::vector<std::string> args = {"lookup",  kSamples + "harbour.flac", "--format", "lrc",
-                                         "--cache", cache.path().string()};
+        std::vector<std::string> args = {"lookup",   track,
+                                         "--format", "lrc",
+                                         "--server", "127.0.0.1:" + std::to_string(service.Port()),
+                                         "--cache",  cache.path().string()};
         args.insert(args.end(), extra.begin(), extra.end());
         std::ostringstream out, err;
         EXPECT_EQ(cCliMain(out, err).Run(args), kExitOk) << err.str();
@@ -134,7 +142,13 @@ TEST(TagReader, LookupTakesTheTrackTagsAndTheOptionsWin) {
         return text.substr(0, text.find("[re:"));
     };
     EXPECT_EQ(lookup({}), "[al:Toval Samples]\r\n[ar:Toval Samples]\r\n[ti:Harbour Lanterns]\r\n");
-    EXPECT_EQ(lookup({"--artist", "Other", "--album="}), "[ar:Other]\r\n[ti:Harbour Lanterns]\r\n");
+    ASSERT_EQ(service.Requests().size(), 1u);
+    EXPECT_EQ(service.Requests()[0].Value("dur"), "19");
+    service.AddLyric("Other", "Harbour Lanterns", "[500]another");
+    EXPECT_EQ(lookup({"--artist", "Other", "--album=", "--duration", "7"}),
+              "[ar:Other]\r\n[ti:Harbour Lanterns]\r\n");
+    ASSERT_EQ(service.Requests().size(), 2u);
+    EXPECT_EQ(service.Requests()[1].Value("dur"), "7");
 }
 
 }  // namespace
