@@ -26,6 +26,12 @@ class MemoryStore : public service::iLyricStore {
         rows_.push_back(record);
         return true;
     }
+    bool AddMany(std::vector<service::cLyricRecord>& records) override {
+        for (auto& r : records) {
+            if (!Add(r)) return false;
+        }
+        return true;
+    }
     std::optional<int64_t> Count() override {
         std::lock_guard lock(mutex_);
         return static_cast<int64_t>(rows_.size());
