@@ -219,6 +219,7 @@ TEST_P(StoreTest, LookUpAnswersTheBestLyricAndMutNamesWhatTheClientHolds) {
     cLyricService service(*store, {});
     const std::string newerWords = kWords + "[3000]<3000>more\r\n";
     Put("A", "T", 100, kPlain, 100);
+    Put("A", "T", 100, kPlain, -2147483647 - 1);  // sent without a revision number
     Put("A", "T", 100, kLines, 200, "Album");
     Put("A", "T", 100, kWords, 300);
     Put("A", "T", 100, newerWords, 400);
