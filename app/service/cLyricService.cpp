@@ -1,6 +1,7 @@
 #include "cLyricService.h"
 
 #include <algorithm>
+#include <climits>
 #include <tuple>
 
 #include "base/mString.h"
@@ -21,6 +22,8 @@ int32_t Number(const cForm& form, std::string_view key) {
     int32_t value = 0;
     return FormNumber(form, key, value) ? value : 0;
 }
+
+constexpr int32_t kUnsetMutation = INT32_MIN;
 
 bool SameRecording(int32_t a, int32_t b, int32_t slack) {
     if (a <= 0 || b <= 0) return true;
@@ -141,7 +144,9 @@ cReply cLyricService::Get(std::string_view query) {
     };
     for (const cLyricRecord& r : *found) {
         if (!SameRecording(r.duration, duration, options_.durationSlack)) continue;
-        if (held != 0 && r.mutation == held) holdsKnown = true;
+        // The unset number marks a lyric never revised: whoever holds one holds
+        // their own, not a revision of ours.
+        if (held != 0 && held != kUnsetMutation && r.mutation == held) holdsKnown = true;
         if (!best || rank(r) > rank(*best)) best = &r;
     }
     if (!best) return Answer(":NOTFOUND");

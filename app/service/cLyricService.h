@@ -11,7 +11,8 @@
 // mut= names the lyric the client holds: 0 for none, else that lyric's
 // Mutation. The best match is sent unless the client holds it already; a
 // client holding a lyric that this service never stored (its own work, a file
-// from elsewhere) gets ":NOUPDATES", so a service answer never replaces it.
+// from elsewhere, or one never revised: -2147483648) gets ":NOUPDATES", so a
+// service answer never replaces it.
 //
 // Sending (tvl_insert.php): the lyric (tvl= or lrc=) is read with the
 // program's own lyric reader. Refused, with the code in brackets: a form that

@@ -100,15 +100,28 @@ std::optional<std::vector<cLyricRecord>> cPgStore::Find(const std::string& artis
 }
 
 bool cPgStore::Add(cLyricRecord& r) {
+    std::vector<cLyricRecord> one{r};
+    if (!AddMany(one)) return false;
+    r.id = one[0].id;
+    return true;
+}
+
+bool cPgStore::AddMany(std::vector<cLyricRecord>& records) {
     auto lease = pool_.Take();
     if (!lease.get()) return false;
     try {
         pqxx::work w(lease->c);
-        const pqxx::result rows = w.exec_prepared(
-            "add", r.artist, r.album, r.title, r.artistKey, r.albumKey, r.titleKey, r.duration,
-            r.fileSize, r.mutation, static_cast<int32_t>(r.kind), r.text, r.address, r.created);
+        std::vector<int64_t> ids;
+        ids.reserve(records.size());
+        for (const auto& r : records) {
+            const pqxx::result rows = w.exec_prepared(
+                "add", r.artist, r.album, r.title, r.artistKey, r.albumKey, r.titleKey, r.duration,
+                r.fileSize, r.mutation, static_cast<int32_t>(r.kind), r.text, r.address, r.created);
+            ids.push_back(rows.at(0).at(0).as<int64_t>());
+        }
         w.commit();
-        r.id = rows.at(0).at(0).as<int64_t>();
+        for (size_t i = 0; i < records.size(); ++i)
+            records[i].id = ids[i];
         return true;
     } catch (const pqxx::broken_connection& e) {
         Note(e.what());

@@ -26,6 +26,7 @@ class cPgStore : public iLyricStore {
     std::optional<std::vector<cLyricRecord>> Find(const std::string& artistKey,
                                                   const std::string& titleKey) override;
     bool Add(cLyricRecord& record) override;
+    bool AddMany(std::vector<cLyricRecord>& records) override;
     std::optional<int64_t> Count() override;
     std::string Check() override;
 

@@ -27,6 +27,7 @@ class cPool {
         // nullptr when no connection could be opened.
         T* get() { return item_.get(); }
         T* operator->() { return item_.get(); }
+        T& operator*() { return *item_; }
         // Drops a connection that failed.
         void Discard() { item_.reset(); }
 

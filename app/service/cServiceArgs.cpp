@@ -29,7 +29,7 @@ const char* cServiceArgs::Usage() {
            "  --move-to HOST         tell every client to use HOST from now on\n"
            "  --sends-per-hour N     lyrics one address may send in an hour (60; 0 = any)\n"
            "  --max-lyric-bytes N    largest lyric accepted (262144)\n"
-           "  --threads N            most connections served at once (256)\n"
+           "  --threads N            most connections served at once (1024)\n"
            "  --deadline SECONDS     longest time one connection may take (20)\n";
 }
 

@@ -7,7 +7,7 @@
 // Options: --listen ADDR (127.0.0.1), --port N (8080; 0 picks a free one),
 // --db PATH|CONNINFO (toval-service.db; "postgresql://..." or a libpq
 // "key=value" string selects PostgreSQL), --announce VERSION, --move-to HOST,
-// --sends-per-hour N (60), --max-lyric-bytes N (262144), --threads N (256),
+// --sends-per-hour N (60), --max-lyric-bytes N (262144), --threads N (1024),
 // --deadline SECONDS (20).
 #pragma once
 
@@ -26,7 +26,7 @@ struct cServiceArgs {
     int32_t port = 8080;
     std::string database = "toval-service.db";
     std::string importDir;
-    int32_t threads = 256;
+    int32_t threads = 1024;
     int32_t deadlineSeconds = 20;
     cServiceOptions options;
 

@@ -120,8 +120,28 @@ std::optional<std::vector<cLyricRecord>> cSqliteStore::Find(const std::string& a
 
 bool cSqliteStore::Add(cLyricRecord& r) {
     auto lease = pool_.Take();
+    return lease.get() && Insert(*lease, r);
+}
+
+bool cSqliteStore::AddMany(std::vector<cLyricRecord>& records) {
+    auto lease = pool_.Take();
     if (!lease.get()) return false;
-    sqlite3_stmt* s = lease->add;
+    if (sqlite3_exec(lease->db, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr) != SQLITE_OK) {
+        return false;
+    }
+    for (auto& r : records) {
+        if (!Insert(*lease, r)) {
+            sqlite3_exec(lease->db, "ROLLBACK", nullptr, nullptr, nullptr);
+            return false;
+        }
+    }
+    if (sqlite3_exec(lease->db, "COMMIT", nullptr, nullptr, nullptr) == SQLITE_OK) return true;
+    sqlite3_exec(lease->db, "ROLLBACK", nullptr, nullptr, nullptr);
+    return false;
+}
+
+bool cSqliteStore::Insert(Connection& c, cLyricRecord& r) {
+    sqlite3_stmt* s = c.add;
     Bind(s, 1, r.artist);
     Bind(s, 2, r.album);
     Bind(s, 3, r.title);
@@ -139,7 +159,7 @@ bool cSqliteStore::Add(cLyricRecord& r) {
     sqlite3_reset(s);
     sqlite3_clear_bindings(s);
     if (step != SQLITE_DONE) return false;
-    r.id = sqlite3_last_insert_rowid(lease->db);
+    r.id = sqlite3_last_insert_rowid(c.db);
     return true;
 }
 

@@ -29,12 +29,14 @@ class cSqliteStore : public iLyricStore {
     std::optional<std::vector<cLyricRecord>> Find(const std::string& artistKey,
                                                   const std::string& titleKey) override;
     bool Add(cLyricRecord& record) override;
+    bool AddMany(std::vector<cLyricRecord>& records) override;
     std::optional<int64_t> Count() override;
     std::string Check() override;
 
   private:
     struct Connection;
     std::unique_ptr<Connection> Open();
+    static bool Insert(Connection& c, cLyricRecord& r);
 
     std::string path_;
     bool valid_ = false;

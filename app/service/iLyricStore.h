@@ -36,6 +36,8 @@ class iLyricStore {
                                                           const std::string& titleKey) = 0;
     // Stores a new lyric and sets its id; true once it is safely stored.
     virtual bool Add(cLyricRecord& record) = 0;
+    // Stores many in one transaction (all or none) and sets their ids.
+    virtual bool AddMany(std::vector<cLyricRecord>& records) = 0;
     virtual std::optional<int64_t> Count() = 0;
     // The database's own consistency check: empty when sound, else what is wrong.
     virtual std::string Check() = 0;

@@ -2,6 +2,7 @@
 
 #include <httplib.h>
 #include <signal.h>
+#include <sys/socket.h>
 
 #include <chrono>
 #include <cstdio>
@@ -27,6 +28,14 @@ thread_local std::string tOutcome;
 thread_local std::chrono::steady_clock::time_point tStart;
 
 std::mutex gLogMutex;
+
+// The library listens with a backlog of 5: a burst of clients (or of idle
+// connections) overflows that at once and the kernel drops their SYNs, which
+// clients retry only a second later. Listening again widens the queue.
+class cHttpServer : public httplib::Server {
+  public:
+    void WidenBacklog(int backlog) { ::listen(svr_sock_, backlog); }
+};
 
 void LogLine(const httplib::Request& req, const httplib::Response& res) {
     const auto took =
@@ -68,7 +77,7 @@ int Serve(const cServiceArgs& args, iLyricStore& store) {
     signal(SIGPIPE, SIG_IGN);
 
     cLyricService service(store, args.options);
-    httplib::Server server;
+    cHttpServer server;
     const size_t threads = static_cast<size_t>(args.threads);
     server.new_task_queue = [threads] {
         return new cElasticPool(std::min<size_t>(8, threads), threads);
@@ -129,6 +138,7 @@ int Serve(const cServiceArgs& args, iLyricStore& store) {
                      args.port);
         return 1;
     }
+    server.WidenBacklog(1024);
     std::fprintf(stderr, "toval-service: listening on %s:%d\n", args.listen.c_str(), port);
     std::fflush(stderr);
 

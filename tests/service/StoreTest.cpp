@@ -141,9 +141,16 @@ TEST_P(StoreTest, KeepsEveryFieldAndEveryRevisionInOrder) {
     EXPECT_EQ(got.address, "::1");
     EXPECT_EQ(got.created, r.created);
 
+    // Many at once: all of them, in order, after the two above.
+    std::vector<cLyricRecord> batch(3, r);
+    ASSERT_TRUE(store->AddMany(batch));
+    EXPECT_GT(batch[0].id, second.id);
+    EXPECT_LT(batch[0].id, batch[2].id);
+    EXPECT_EQ(store->Find("k1", "k2")->size(), 5u);
+
     EXPECT_TRUE(store->Find("k1", "k2'")->empty());
     EXPECT_TRUE(store->Find(nasty, "k2")->empty());
-    EXPECT_EQ(store->Count(), 2);
+    EXPECT_EQ(store->Count(), 5);
     EXPECT_EQ(store->Check(), "");
 }
 
@@ -212,6 +219,7 @@ TEST_P(StoreTest, LookUpAnswersTheBestLyricAndMutNamesWhatTheClientHolds) {
     cLyricService service(*store, {});
     const std::string newerWords = kWords + "[3000]<3000>more\r\n";
     Put("A", "T", 100, kPlain, 100);
+    Put("A", "T", 100, kPlain, -2147483647 - 1);  // sent without a revision number
     Put("A", "T", 100, kLines, 200, "Album");
     Put("A", "T", 100, kWords, 300);
     Put("A", "T", 100, newerWords, 400);

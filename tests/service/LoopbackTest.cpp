@@ -1,0 +1,255 @@
+// A real toval-service process on 127.0.0.1: the program's own client
+// (cTovalSite over the POSIX socket) against it, and hostile clients that must
+// each get an answer or a closed connection in bounded time while the service
+// goes on answering others.
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "fakes/TempDir.h"
+#include "lyric/cLyric.h"
+#include "lyric/cMusic.h"
+#include "net/cTovalSite.h"
+#include "posix/LoopbackServer.h"
+#include "posix/cPosixLoop.h"
+#include "posix/cPosixSocket.h"
+#include "posix/cPosixTimer.h"
+#include "service/ServiceProcess.h"
+
+namespace toval::test {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// The program's side: one cTovalSite on the POSIX loop.
+class Client {
+  public:
+    explicit Client(const std::u16string& host) {
+        globals.Settings.conn_Server = host;
+        timer->setInterval(kInternetTimeout);
+        site.setSocket(std::make_shared<cPosixSocket>(loop));
+        site.setTime(timer);
+        site.onToval = [this](int32_t result, int32_t) { results.push_back(result); };
+    }
+    int32_t Load(const cMusic& track, int32_t mode) {
+        site.Load(track, 1, mode);
+        return Await();
+    }
+    int32_t Save(const cMusic& track, const std::shared_ptr<cLyric>& lyric) {
+        site.Save(track, lyric, 1);
+        return Await();
+    }
+
+    cPosixLoop loop;
+    cGlobals globals;
+    std::shared_ptr<cPosixTimer> timer = std::make_shared<cPosixTimer>(loop);
+    cTovalSite site{globals};
+    std::vector<int32_t> results;
+
+  private:
+    int32_t Await() {
+        const size_t want = results.size() + 1;
+        if (!loop.RunUntil([&] { return results.size() >= want; }, 15000)) return -1;
+        return results.back();
+    }
+};
+
+cMusic Track(const std::u16string& artist, const std::u16string& title) {
+    cMusic track;
+    track.setArtist(artist);
+    track.setTitle(title);
+    track.setAlbum(u"Night Harbour");
+    track.setMiliDuration(215000);
+    return track;
+}
+
+std::shared_ptr<cLyric> Lyric(std::u16string_view text) {
+    auto lyric = std::make_shared<cLyric>();
+    lyric->setLoad(text);
+    return lyric;
+}
+
+// A raw client: what it got back before the service closed, and how long it took.
+struct Raw {
+    std::string answer;
+    bool closed = false;
+    double seconds = 0;
+};
+
+// Sends `request` in pieces of `piece` bytes `pauseMs` apart (0: at once),
+// then reads until the service closes or limitMs pass.
+Raw Exchange(int port, const std::string& request, size_t piece = 0, int pauseMs = 0,
+             int limitMs = 8000) {
+    Raw raw;
+    const auto start = Clock::now();
+    const int fd = LoopbackServer::ConnectLoopback(port);
+    if (fd < 0) return raw;
+    const auto end = start + std::chrono::milliseconds(limitMs);
+    for (size_t at = 0; at < request.size() && Clock::now() < end;) {
+        const size_t n = piece ? std::min(piece, request.size() - at) : request.size() - at;
+        const ssize_t sent = ::send(fd, request.data() + at, n, MSG_NOSIGNAL);
+        if (sent <= 0) break;
+        at += static_cast<size_t>(sent);
+        if (pauseMs) std::this_thread::sleep_for(std::chrono::milliseconds(pauseMs));
+    }
+    while (Clock::now() < end) {
+        pollfd p{fd, POLLIN, 0};
+        if (::poll(&p, 1, 50) <= 0) continue;
+        char buffer[4096];
+        const ssize_t n = ::recv(fd, buffer, sizeof buffer, 0);
+        if (n <= 0) {
+            raw.closed = true;
+            break;
+        }
+        raw.answer.append(buffer, static_cast<size_t>(n));
+    }
+    ::close(fd);
+    raw.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    return raw;
+}
+
+std::string Get(const std::string& query) {
+    return "GET /website/tvl_get_url.php?" + query + " HTTP/1.0\r\nHost: x\r\n\r\n";
+}
+
+long ResidentKiB(int pid) {
+    std::ifstream status("/proc/" + std::to_string(pid) + "/status");
+    std::string line;
+    while (std::getline(status, line)) {
+        if (line.rfind("VmRSS:", 0) == 0) return std::stol(line.substr(6));
+    }
+    return -1;
+}
+
+TEST(ServiceLoopback, TheProgramLooksUpSendsIsRefusedAndHearsOfANewVersion) {
+    TempDir dir;
+    ServiceProcess service({"--db", (dir.path() / "l.db").string(), "--announce", "1030002"});
+    ASSERT_NE(service.Port(), 0) << service.Log();
+    Client client(service.Host());
+    const cMusic track = Track(u"Ann \u00c9lise", u"Harbour & <Lights>");
+
+    EXPECT_EQ(client.Load(track, 0), cTovalSite::kNotFound);
+    EXPECT_EQ(client.globals.lastUpdateVersion, 1030002);
+
+    // Text that the answer's envelope and HTML decoding must carry intact.
+    const auto sent = Lyric(
+        u"[PROPERTY]\r\nMUTATION:4242\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY]"
+        u"[1000]<1000>Caf\u00e9 <1500>& <1800>\u4e2d\r\n[2000]</TOVAL> <br> :x\r\n[]\r\n");
+    EXPECT_EQ(client.Save(track, sent), cTovalSite::kSuccess);
+
+    // Found again under a looser spelling of the same track.
+    EXPECT_EQ(client.Load(Track(u"ann elise", u"harbour &<lights>"), 0), cTovalSite::kLyric);
+    const auto back = Lyric(client.site.Lyric());
+    EXPECT_EQ(back->TVL(), sent->TVL());
+    EXPECT_EQ(back->Mutation(), 4242);
+    // The client holding that revision hears that nothing is newer.
+    EXPECT_EQ(client.Load(track, 4242), cTovalSite::kNoUpdates);
+
+    // A lyric without times is refused; the program sees a failed send.
+    EXPECT_EQ(client.Save(track, Lyric(u"just words\r\n")), cTovalSite::kFailure);
+
+    EXPECT_EQ(service.Stop(SIGTERM, 5000), 0);
+    const std::string& log = service.Log();
+    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 1 + 5 + 1) << log;
+    EXPECT_NE(log.find("POST /website/tvl_insert.php 200 :NOTIMES"), std::string::npos) << log;
+    EXPECT_NE(log.find("toval-service: stopped"), std::string::npos);
+}
+
+TEST(ServiceLoopback, AMovedServiceSendsTheProgramToItsNewHost) {
+    TempDir dir;
+    ServiceProcess service({"--db", (dir.path() / "l.db").string(), "--move-to", "127.0.0.1:9"});
+    ASSERT_NE(service.Port(), 0) << service.Log();
+    Client client(service.Host());
+    EXPECT_EQ(client.Load(Track(u"A", u"T"), 0), cTovalSite::kNotFound);
+    EXPECT_TRUE(client.site.ServerMoved());
+    EXPECT_EQ(client.globals.Settings.conn_Server, u"127.0.0.1:9");
+}
+
+TEST(ServiceLoopback, HostileClientsAreCutOffAndOthersStillServed) {
+    // The thousand idle connections need file descriptors on both sides.
+    rlimit files{};
+    ::getrlimit(RLIMIT_NOFILE, &files);
+    files.rlim_cur = std::min<rlim_t>(std::max<rlim_t>(files.rlim_cur, 4096), files.rlim_max);
+    ::setrlimit(RLIMIT_NOFILE, &files);
+    const int idle = static_cast<int>(std::min<rlim_t>(1000, files.rlim_cur / 2 - 50));
+
+    TempDir dir;
+    ServiceProcess service({"--db", (dir.path() / "l.db").string(), "--deadline", "2",
+                            "--max-lyric-bytes", "10000", "--threads", "128"});
+    ASSERT_NE(service.Port(), 0) << service.Log();
+    const int port = service.Port();
+    const std::string probe = Get("art=A&tit=T&dur=1&mut=0&get=Get");
+    auto served = [&] {
+        const Raw r = Exchange(port, probe, 0, 0, 5000);
+        return r.answer.find("<TOVAL>:NOTFOUND</TOVAL>") != std::string::npos;
+    };
+
+    // One byte a second, in the background: cut at the deadline.
+    Raw slow;
+    std::thread trickle([&] { slow = Exchange(port, probe, 1, 1000, 10000); });
+
+    // A request line of 1 MB.
+    const Raw huge = Exchange(port, Get(std::string(1 << 20, 'a')));
+    EXPECT_TRUE(huge.closed);
+    EXPECT_LT(huge.seconds, 5);
+    EXPECT_EQ(huge.answer.find("200 OK"), std::string::npos);
+
+    // A body larger than the limit, announced or not.
+    const std::string big(200000, 'x');
+    const Raw announced =
+        Exchange(port,
+                 "POST /website/tvl_insert.php HTTP/1.0\r\nContent-Type: "
+                 "application/x-www-form-urlencoded\r\nContent-Length: 200000\r\n\r\n" +
+                     big);
+    EXPECT_TRUE(announced.closed);
+    EXPECT_NE(announced.answer.find("413"), std::string::npos) << announced.answer.substr(0, 100);
+
+    // Malformed form encoding and SQL in every field.
+    EXPECT_NE(Exchange(port, Get("art=%&tit=%zz&get=Get")).answer.find(":BADREQUEST"),
+              std::string::npos);
+    Client client(service.Host());
+    const cMusic nasty = Track(u"Robert'); DROP TABLE lyrics;--", u"\" OR 1=1 -- %_\\");
+    EXPECT_EQ(client.Save(nasty, Lyric(u"[00:01.00]'; DELETE FROM lyrics; --\r\n")),
+              cTovalSite::kSuccess);
+    EXPECT_EQ(client.Load(nasty, 0), cTovalSite::kLyric);
+    EXPECT_EQ(client.Load(Track(u"Robert'); DROP TABLE lyrics;--", u"' OR '1'='1"), 0),
+              cTovalSite::kNotFound);
+
+    // A thousand connections opened and left idle; others are still served.
+    std::vector<int> idlers;
+    for (int i = 0; i < idle; ++i) {
+        const int fd = LoopbackServer::ConnectLoopback(port);
+        if (fd >= 0) idlers.push_back(fd);
+    }
+    EXPECT_EQ(static_cast<int>(idlers.size()), idle);
+    const auto start = Clock::now();
+    EXPECT_TRUE(served());
+    EXPECT_LT(std::chrono::duration<double>(Clock::now() - start).count(), 5);
+    // Every idle connection is closed by the service within the deadline.
+    std::this_thread::sleep_for(std::chrono::milliseconds(3500));
+    int closed = 0;
+    for (int fd : idlers) {
+        char c;
+        if (::recv(fd, &c, 1, MSG_DONTWAIT) == 0) ++closed;
+        ::close(fd);
+    }
+    EXPECT_EQ(closed, idle);
+
+    trickle.join();
+    EXPECT_TRUE(slow.closed);
+    EXPECT_LT(slow.seconds, 5);
+
+    EXPECT_TRUE(served());
+    EXPECT_LT(ResidentKiB(service.Pid()), 200 * 1024);
+    EXPECT_EQ(service.Stop(SIGTERM, 8000), 0);
+}
+
+}  // namespace
+}  // namespace toval::test
