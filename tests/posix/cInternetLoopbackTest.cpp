@@ -25,7 +25,17 @@ struct PosixAdapter {
     cPosixLoop loop;
 };
 
+#ifdef TOVAL_QT_ADAPTER
+// The same tests, built into the Qt program's tests.
+}  // namespace
+}  // namespace toval::test
+#include "QtAdapter.h"
+namespace toval::test {
+namespace {
+using Adapters = ::testing::Types<QtAdapter>;
+#else
 using Adapters = ::testing::Types<PosixAdapter>;
+#endif
 
 struct Event {
     int16_t state;
