@@ -142,6 +142,7 @@ void cQtProgram::UpdateMenus() {
 }
 
 bool cQtProgram::Start() {
+    if (trace_) std::fprintf(trace_, "%lld start\n", static_cast<long long>(MonotonicMs()));
     if (!logic_->Form_Load(u"")) return false;
     BuildMenu();
     UpdateMenus();
