@@ -17,7 +17,9 @@
 #include <QProcess>
 #include <QScreen>
 #include <QStandardPaths>
+#include <QTimer>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 
 #include "cQtProgram.h"
@@ -157,6 +159,12 @@ class GuiTest : public ::testing::Test {
             "[PROPERTY]\r\nMUTATION:7\r\nTRACKLENGTH:20000\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY]"
             "[500]<500>Second <900>song <1300>opens\r\n[3000]<3000>and <3400>goes <3800>on\r\n");
         tvl.close();
+        if (!language_.empty()) {
+            const fs::path config = home_.path() / "XDG_CONFIG_HOME" / "Toval";
+            fs::create_directories(config);
+            std::ofstream(config / "config.ini")
+                << "[toval]\r\nlanguage_name=" << language_ << "\r\n";
+        }
         program_ = std::make_unique<cQtProgram>(cQtProgram::Options{});
         ASSERT_TRUE(program_->Start());
     }
@@ -186,7 +194,13 @@ class GuiTest : public ::testing::Test {
     }
 
     TempDir home_;
+    std::string language_;
     std::unique_ptr<cQtProgram> program_;
+};
+
+class HebrewGuiTest : public GuiTest {
+  protected:
+    HebrewGuiTest() { language_ = "heil"; }
 };
 
 TEST_F(GuiTest, HighlightFollowsPlaySeekPauseAndTheNextTrack) {
@@ -246,6 +260,29 @@ TEST_F(GuiTest, APlayerThatQuitsOrSendsGarbageLeavesTovalWaitingForTheNext) {
     Mpv second({Track("b.flac")});
     EXPECT_TRUE(WaitFor([&] { return FirstLine() == u"Second song opens"; }, 10000))
         << QString::fromStdU16String(FirstLine()).toStdString();
+}
+
+TEST_F(HebrewGuiTest, MessagesComeInHebrewMirrored) {
+    const std::u16string title = program_->Logic().Text(u"AttentionTitle");
+    const std::u16string text = program_->Logic().Text(u"InvalidMusicTAG");
+    ASSERT_FALSE(text.empty());
+    EXPECT_NE(text.find_first_of(
+                  u"\u05D0\u05D1\u05D2\u05D3\u05D4\u05D5\u05D9\u05DC\u05DE\u05E8\u05E9\u05EA"),
+              std::u16string::npos);
+    cQtShell shell(u"");
+    shell.setRightToLeft(true);
+    Qt::LayoutDirection direction = Qt::LeftToRight;
+    QTimer::singleShot(500, [&] {
+        QWidget* box = QApplication::activeModalWidget();
+        if (!box) return;
+        direction = box->layoutDirection();
+        const QString folder = QStringLiteral(TOVAL_BUILD_DIR "/qt-screenshots");
+        QDir().mkpath(folder);
+        box->grab().save(folder + "/hebrew-message.png");
+        box->close();
+    });
+    shell.ShowMessage(text, title, kMbIconExclamation);
+    EXPECT_EQ(direction, Qt::RightToLeft);
 }
 
 }  // namespace
