@@ -42,6 +42,7 @@ void cDisplayWindow::Attach(cDisplay& display) {
     display.onCurrentLine = [this](const cRect& box) { ScrollTo(box); };
     display.onRedrawn = [this](const cRect& box) {
         lyricWidth_ = box.Right - box.Left;
+        lineTop_ = lineBottom_ = 0;
         targetY_ = shownY_ = 0;
         update();
     };
@@ -95,6 +96,8 @@ void cDisplayWindow::ApplyMode(int32_t mode) {
 
 void cDisplayWindow::ScrollTo(const cRect& line) {
     targetY_ = (line.Top + line.Bottom) / 2.0;
+    lineTop_ = line.Top;
+    lineBottom_ = line.Bottom;
     if (mode_ == kModeTray || !isVisible()) {
         shownY_ = targetY_;
         return;
@@ -124,6 +127,9 @@ void cDisplayWindow::paintEvent(QPaintEvent*) {
         const double x = std::round((width() - lyricWidth_) / 2.0);
         const double y = std::round(this->height() / 2.0 - shownY_);
         p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        // The strip shows the current line alone, never a slice of its neighbours.
+        if (mode_ == kModeTray)
+            p.setClipRect(QRectF(0, y + lineTop_, width(), lineBottom_ - lineTop_));
         p.drawImage(QPointF(x, y), image);
     }
     if (onPainted) onPainted();

@@ -61,6 +61,7 @@ class cDisplayWindow final : public QWidget {
     // glides to it.
     double targetY_ = 0, shownY_ = 0;
     int32_t lyricWidth_ = 0;
+    int32_t lineTop_ = 0, lineBottom_ = 0;
     QTimer glide_;
     QElapsedTimer glideClock_;
     // Dragging: what is dragged, from where.

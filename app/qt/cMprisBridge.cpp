@@ -40,7 +40,10 @@ QVariant Unwrapped(const QVariant& value) {
 cMprisBridge::cMprisBridge(QDBusConnection bus, QString player, QObject* parent)
     : QObject(parent), bus_(std::move(bus)), filter_(std::move(player)) {
     readTimer_.setInterval(kPositionReadMs);
-    connect(&readTimer_, &QTimer::timeout, this, &cMprisBridge::ReadPosition);
+    connect(&readTimer_, &QTimer::timeout, this, [this] {
+        if (burst_ > 0 && --burst_ == 0) readTimer_.setInterval(kPositionReadMs);
+        ReadPosition();
+    });
     if (!bus_.isConnected()) return;
     bus_.connect(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
                  QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameOwnerChanged"), this,
@@ -175,7 +178,10 @@ void cMprisBridge::TakeProperties(const QString& name, const QVariantMap& proper
     } else {
         Announce(false);
     }
-    if (moved) ReadPosition();
+    if (moved) {
+        StartBurst();
+        ReadPosition();
+    }
     Follow();
 }
 
@@ -227,6 +233,7 @@ void cMprisBridge::Announce(bool force) {
     serial_ = serial_ == INT32_MAX ? 1 : serial_ + 1;
     clock_.Read(0, Now());
     Deliver(kWmCopyData, 0, TagRecord(track));
+    StartBurst();
     ReadPosition();
 }
 
@@ -242,6 +249,11 @@ void cMprisBridge::Deliver(uint32_t message, int64_t lParam, const std::string& 
     if (!hooked_ || !onMessage) return;
     int64_t result = 0;
     onMessage(message, 0, lParam, data, result);
+}
+
+void cMprisBridge::StartBurst() {
+    burst_ = kBurstReadings;
+    readTimer_.setInterval(kBurstReadMs);
 }
 
 void cMprisBridge::ReadPosition() {
@@ -321,6 +333,7 @@ void cMprisBridge::Seeked(const QDBusMessage& message) {
         return;
     if (args[0].typeId() != QMetaType::LongLong) return;
     clock_.Read(args[0].toLongLong(), Now());
+    StartBurst();
     if (onPositionChanged) onPositionChanged();
 }
 

@@ -27,6 +27,10 @@ inline constexpr int32_t kBridgeWindow = 1;
 inline constexpr int32_t kBridgeHandler = 2;
 // Readings of the position while playing, this far apart.
 inline constexpr int32_t kPositionReadMs = 1000;
+// After a new track, a seek or play, a few readings come quicker: the clock
+// finds the front of the player's lagging reports sooner.
+inline constexpr int32_t kBurstReadMs = 200;
+inline constexpr int32_t kBurstReadings = 6;
 // A player's answer later than this counts as none.
 inline constexpr int32_t kCallTimeoutMs = 1000;
 
@@ -54,7 +58,8 @@ class cMprisBridge : public QObject, public PluginChannel {
     // play, pause, rate): a sleeping poll should look again.
     std::function<void()> onPositionChanged;
 
-    // The monotonic clock in milliseconds (tests replace it).
+    // The monotonic clock in milliseconds (tests replace it through nowMs).
+    int64_t Now() const;
     std::function<int64_t()> nowMs;
 
   private slots:
@@ -84,8 +89,8 @@ class cMprisBridge : public QObject, public PluginChannel {
     void Announce(bool force);
     void Stopped();
     void ReadPosition();
+    void StartBurst();
     void Deliver(uint32_t message, int64_t lParam, const std::string& data);
-    int64_t Now() const;
 
     QDBusConnection bus_;
     QString filter_;
@@ -98,6 +103,7 @@ class cMprisBridge : public QObject, public PluginChannel {
     int32_t serial_ = 0;
     cPositionClock clock_;
     QTimer readTimer_;
+    int32_t burst_ = 0;
 };
 
 }  // namespace toval

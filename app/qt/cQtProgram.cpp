@@ -60,6 +60,10 @@ cQtProgram::cQtProgram(Options options)
         trace_ = std::fopen(options_.tracePath.toLocal8Bit().constData(), "w");
     cMainLogic::Parts parts{shell_, bridge_, ini_, clock_, poll_, destroy_, picture_, picture_};
     parts.logFolder = cQtShell::StateFolder();
+    // The bridge knows where the player will be: the core sleeps until the next highlight.
+    parts.forecast = [this](int32_t positionMs) {
+        return bridge_.Position().Until(positionMs, bridge_.Now());
+    };
     logic_ = std::make_unique<cMainLogic>(
         globals_, parts,
         [this](cConfig& config, Random& random, const std::shared_ptr<cMusic>& track) {
@@ -86,6 +90,9 @@ cQtProgram::cQtProgram(Options options)
         tray_.hide();
     };
     logic_->onQuit = [] { QCoreApplication::quit(); };
+    bridge_.onPositionChanged = [this] {
+        if (const auto core = logic_->Core()) core->Wake();
+    };
     window_.onMenu = [this](const QPoint& at) { menu_.popup(at); };
     if (trace_) window_.onPainted = [this] { Trace(); };
 }
@@ -135,6 +142,7 @@ void cQtProgram::UpdateMenus() {
 }
 
 bool cQtProgram::Start() {
+    if (trace_) std::fprintf(trace_, "%lld start\n", static_cast<long long>(MonotonicMs()));
     if (!logic_->Form_Load(u"")) return false;
     BuildMenu();
     UpdateMenus();

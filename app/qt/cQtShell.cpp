@@ -99,14 +99,16 @@ bool cQtShell::PrevInstance() {
 }
 
 std::u16string cQtShell::SpecialFolder(int32_t id) {
-    switch (id) {
-        case kFolderAppData:
-            return Folder(XdgHome("XDG_CONFIG_HOME", QStringLiteral(".config")));
-        case kFolderLocalAppData:
-            return Folder(XdgHome("XDG_CACHE_HOME", QStringLiteral(".cache")));
-        default:
-            return {};
-    }
+    QString folder;
+    if (id == kFolderAppData)
+        folder = XdgHome("XDG_CONFIG_HOME", QStringLiteral(".config"));
+    else if (id == kFolderLocalAppData)
+        folder = XdgHome("XDG_CACHE_HOME", QStringLiteral(".cache"));
+    else
+        return {};
+    // A fresh account may not have it yet; the XDG rules say to make it.
+    QDir().mkpath(folder);
+    return Folder(folder);
 }
 
 std::u16string cQtShell::StateFolder() {

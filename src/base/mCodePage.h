@@ -4,6 +4,7 @@
 // the same number, as Windows maps them, so every byte survives a round trip.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace toval {
@@ -12,5 +13,13 @@ std::string wstringTOansi(const std::u16string& text);
 std::u16string ansiTOwstring(const std::string& bytes);
 // The character of one byte of the code page.
 char16_t ansiTOwchar(unsigned char byte);
+
+// Code pages a language file may be written in.
+inline constexpr int32_t kCodePageWestern = 1252;
+inline constexpr int32_t kCodePageHebrew = 1255;
+inline constexpr int32_t kCodePageUtf8 = 65001;
+
+// Bytes in a code page: Windows-1255, UTF-8, and Windows-1252 for any other.
+std::u16string codepageTOwstring(const std::string& bytes, int32_t codePage);
 
 }  // namespace toval

@@ -56,11 +56,50 @@ void Apply(mLanguage& language, iLanguageTarget& object, const std::u16string& p
 
 mLanguage::mLanguage(IniFile& ini, cGlobals& globals) : ini_(ini), globals_(globals) {}
 
+namespace {
+
+// True when bytes hold UTF-8 with at least one character beyond ASCII: text in
+// an 8-bit code page almost never forms valid UTF-8 sequences.
+bool LooksUtf8(const std::string& bytes) {
+    bool wide = false;
+    for (size_t i = 0; i < bytes.size();) {
+        const auto b = static_cast<unsigned char>(bytes[i]);
+        size_t extra = 0;
+        if (b < 0x80) {
+            ++i;
+            continue;
+        }
+        if (b >= 0xC2 && b <= 0xDF)
+            extra = 1;
+        else if (b >= 0xE0 && b <= 0xEF)
+            extra = 2;
+        else if (b >= 0xF0 && b <= 0xF4)
+            extra = 3;
+        else
+            return false;
+        if (extra >= bytes.size() - i) return false;  // cut short
+        for (size_t k = 1; k <= extra; ++k)
+            if ((static_cast<unsigned char>(bytes[i + k]) & 0xC0) != 0x80) return false;
+        wide = true;
+        i += extra + 1;
+    }
+    return wide;
+}
+
+}  // namespace
+
 std::u16string mLanguage::GetValue(std::u16string_view section, std::u16string_view key) {
     return Guarded("mLanguage.GetValue", std::u16string(), [&] {
-        return ansiTOwstring(
+        const std::string bytes =
             ini_.ReadString(globals_.LanguageFile, wstringTOansi(std::u16string(section)),
-                            wstringTOansi(std::u16string(key)), "", cIni::kBufferSize));
+                            wstringTOansi(std::u16string(key)), "", cIni::kBufferSize);
+        // The file's code page, as a Windows of its language would read it: a
+        // right-to-left language file is Hebrew (Windows-1255), any other
+        // western (Windows-1252); a file written in UTF-8 is read as such.
+        const int32_t codePage = LooksUtf8(bytes)       ? kCodePageUtf8
+                                 : globals_.RightToLeft ? kCodePageHebrew
+                                                        : kCodePageWestern;
+        return codepageTOwstring(bytes, codePage);
     });
 }
 

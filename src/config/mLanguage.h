@@ -39,6 +39,7 @@ class mLanguage {
 
   private:
     IniFile& ini_;
+
     cGlobals& globals_;
 };
 

@@ -1,5 +1,6 @@
 #include "core/cCore.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "base/cErrorLog.h"
@@ -158,6 +159,7 @@ void cCore::tmr_Timer_Timer() {
             const int32_t position = plugin_ ? plugin_->Update() : globals_.PlayPosition;
             if (lyricActive_) {
                 if (const auto stream = stream_) stream->UpdateTimeEvent(position);
+                PlanSleep();
             } else if (loadPending_) {
                 loadPending_ = false;
                 if (loader_) loader_->Load(globals_.PlaylistPosition);
@@ -167,6 +169,27 @@ void cCore::tmr_Timer_Timer() {
             waking_ = true;
             plugin_->Wakeup();
         }
+    });
+}
+
+void cCore::PlanSleep() {
+    if (!forecast_ || !lyricActive_ || !stream_) return;
+    const int32_t next = stream_->NextTime();
+    const int64_t wait = next == kNoNext ? -1 : forecast_(next);
+    if (wait < 0) {
+        // Paused, or past the last event: nothing is due until the player moves.
+        TimerOn(false);
+        return;
+    }
+    // One millisecond more, so that the position has reached the event's time.
+    const int64_t sleep = std::clamp<int64_t>(wait + 1, 1, kMaxSleepMs);
+    setInterval(static_cast<int32_t>(sleep));
+    TimerOn(true);
+}
+
+void cCore::Wake() {
+    Guarded("cCore.Wake", [&] {
+        if (forecast_ && pluginAlive_ && lyricActive_) tmr_Timer_Timer();
     });
 }
 

@@ -36,6 +36,9 @@ enum PluginEventCode : int32_t {
     kEventLinkClosed2 = 64,
 };
 
+// The longest sleep of a forecast poll: a safety net should a signal be lost.
+inline constexpr int32_t kMaxSleepMs = 5000;
+
 // The first version number for which an update notice is shown.
 inline constexpr int32_t kFirstNoticeVersion = 1030002;
 inline constexpr char16_t kDownloadTemplate[] = u"http://$S/?page=download";
@@ -55,6 +58,17 @@ class cCore {
     void setAuxPictureBox(MeasureSurface* surface) { auxPictureBox_ = surface; }
     // The plug-in link (not owned); nullptr once it is released.
     void setPlugin(cPlugin* plugin) { plugin_ = plugin; }
+
+    // How long, in ms, until the player reaches a play position (-1: it never
+    // will, it is paused). A player link that knows this lets the polling
+    // sleep until the next highlight is due instead of waking every
+    // timer_TrackPosRefresh; without it (the Windows plug-in) the polling
+    // keeps its fixed pace.
+    using Forecast = std::function<int64_t(int32_t positionMs)>;
+    void setForecast(Forecast forecast) { forecast_ = std::move(forecast); }
+    // The play position may have moved other than forecast (a reading, a
+    // seek, play, pause, a new rate): look now and plan the next sleep.
+    void Wake();
 
     cDisplay* Tray() const { return tray_; }
     MeasureSurface* AuxPictureBox() const { return auxPictureBox_; }
@@ -100,6 +114,8 @@ class cCore {
     void ForgetTrack();
     void DropStream();
     void ClearTray();
+    // After a tick of a forecast poll: sleeps until the next event is due.
+    void PlanSleep();
 
     cGlobals& globals_;
     Shell& shell_;
@@ -110,6 +126,7 @@ class cCore {
     cDisplay* tray_ = nullptr;
     MeasureSurface* auxPictureBox_ = nullptr;
     cPlugin* plugin_ = nullptr;
+    Forecast forecast_;
     std::shared_ptr<cEventStream> stream_;
     std::shared_ptr<cLyric> lyric_;
     std::u16string downloadUrl_;

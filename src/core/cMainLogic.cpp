@@ -172,6 +172,7 @@ void cMainLogic::StartProgram(const std::u16string& path) {
         display_->onLinkOpened = [this](const std::u16string& url) {
             if (core_) core_->LinkOpened(url);
         };
+        core_->setForecast(parts_.forecast);
         core_->setTimer(&parts_.pollTimer);
 
         if (onUpdateMenus) onUpdateMenus();

@@ -53,6 +53,9 @@ class cMainLogic {
         StringsLibraryLoader* strings = nullptr;
         // Where Error.log goes; empty: the program folder (the Windows way).
         std::u16string logFolder = {};
+        // The player link's forecast of the play position (cCore::setForecast);
+        // empty: the polling keeps its fixed pace.
+        std::function<int64_t(int32_t positionMs)> forecast = {};
     };
     // Builds the lyric lookup of a new core (a cLyricFile with the window's
     // socket and timer) for the plug-in's track record.

@@ -218,3 +218,37 @@ TEST(LanguageFiles, ShippedFilesHoldEveryMessageAndTheirDirection) {
 
 }  // namespace
 }  // namespace toval::test
+
+namespace toval::test {
+namespace {
+
+// A right-to-left language file is read as Hebrew (Windows-1255), a file in
+// UTF-8 as UTF-8, any other as Windows-1252.
+TEST(mLanguage, ValuesAreDecodedInTheFilesCodePage) {
+    const struct {
+        const char* info;
+        std::string value;
+        std::u16string expected;
+    } cases[] = {
+        {"alignment=1\r\n", "\xF9\xEC\xE5\xED", u"\u05E9\u05DC\u05D5\u05DD"},
+        {"alignment=1\r\n", "\xD7\xA9\xD7\x9C\xD7\x95\xD7\x9D", u"\u05E9\u05DC\u05D5\u05DD"},
+        {"alignment=0\r\n", "caf\xE9 \xC3", u"caf\u00E9 \u00C3"},
+        {"alignment=0\r\n", "caf\xC3\xA9", u"caf\u00E9"},
+    };
+    for (const auto& c : cases) {
+        TempDir dir;
+        const std::u16string file = dir.file(u"lang.ini");
+        std::ofstream(std::filesystem::path(file), std::ios::binary)
+            << "[info]\r\n"
+            << c.info << "[msg]\r\nHello=" << c.value << "\r\n";
+        cIniEngine ini;
+        cGlobals globals;
+        globals.LanguageFile = file;
+        mLanguage language(ini, globals);
+        language.ReadDirection();
+        EXPECT_EQ(language.MessageText(u"Hello"), c.expected) << c.info;
+    }
+}
+
+}  // namespace
+}  // namespace toval::test

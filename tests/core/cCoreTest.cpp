@@ -228,3 +228,55 @@ TEST(cCore, StreamEventsReachTheDisplayOnlyWhileALyricIsActive) {
 
 }  // namespace
 }  // namespace toval::test
+
+namespace toval::test {
+namespace {
+
+TEST(cCore, AForecastPollSleepsUntilTheNextEventAndWakesWhenThePlayerMoves) {
+    Rig r;
+    bool paused = false;
+    r.core->setForecast([&](int32_t at) -> int64_t {
+        if (paused) return -1;
+        return at > r.channel.position ? at - r.channel.position : 0;
+    });
+    r.Playing(1, u"[1000]a\r\n[3000]b\r\n[9000]c");
+    r.display.Take();
+
+    // Every tick plans the sleep to the next event, plus one millisecond.
+    r.channel.position = 200;
+    r.timer.tick();
+    EXPECT_EQ(r.timer.interval, 801);
+    r.channel.position = 1001;
+    r.timer.tick();
+    EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"Choose 0 -2147483648"}));
+    EXPECT_EQ(r.timer.interval, 2000);
+    // A long instrumental sleeps at most kMaxSleepMs at a time.
+    r.channel.position = 3000;
+    r.timer.tick();
+    EXPECT_EQ(r.timer.interval, kMaxSleepMs);
+
+    // Paused: the timer stops until the player moves; a wake then looks at once.
+    paused = true;
+    r.core->Wake();
+    EXPECT_FALSE(r.timer.enabled);
+    paused = false;
+    r.channel.position = 1200;  // and it was a seek back
+    r.core->Wake();
+    EXPECT_EQ(r.display.Take(),
+              (std::vector<std::string>{"Choose 1 -2147483648", "Choose 0 -2147483648"}));
+    EXPECT_TRUE(r.timer.enabled);
+    EXPECT_EQ(r.timer.interval, 1801);
+
+    // Past the last event nothing is due; without a forecast the fixed pace is kept.
+    r.channel.position = 9500;
+    r.timer.tick();
+    EXPECT_FALSE(r.timer.enabled);
+    r.core->setForecast(nullptr);
+    r.core->PluginEvent(kEventNewTrack);
+    EXPECT_EQ(r.timer.interval, r.globals.Settings.timer_TrackPosRefresh);
+    r.core->Wake();  // does nothing without a forecast
+    EXPECT_EQ(r.timer.interval, r.globals.Settings.timer_TrackPosRefresh);
+}
+
+}  // namespace
+}  // namespace toval::test

@@ -26,7 +26,17 @@ struct PosixAdapter {
     cPosixLoop loop;
 };
 
+#ifdef TOVAL_QT_ADAPTER
+// The same tests, built into the Qt program's tests.
+}  // namespace
+}  // namespace toval::test
+#include "QtAdapter.h"
+namespace toval::test {
+namespace {
+using Adapters = ::testing::Types<QtAdapter>;
+#else
 using Adapters = ::testing::Types<PosixAdapter>;
+#endif
 
 std::string Url(int32_t port, const std::string& path) {
     return "http://127.0.0.1:" + std::to_string(port) + path;

@@ -1,0 +1,296 @@
+// Whole runs of the program on a virtual display and a private session bus
+// (tests/qt/with-desktop.sh), with a real mpv speaking MPRIS: it finds the
+// lyric beside the track, shows it, and the highlight follows a seek back, a
+// pause and a change of track; no player, a player that quits and another
+// that appears, a player that sends garbage.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusInterface>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QScreen>
+#include <QStandardPaths>
+#include <QTimer>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+
+#include "cQtProgram.h"
+#include "core/cMainLogic.h"
+#include "display/cDisplay.h"
+#include "fakes/TempDir.h"
+#include "lyric/cLyric.h"
+#include "lyric/cLyricLine.h"
+
+namespace toval::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool WaitFor(const std::function<bool()>& done, int ms) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!done()) {
+        if (clock.elapsed() > ms) return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    return true;
+}
+
+void Pump(int ms) {
+    WaitFor([] { return false; }, ms);
+}
+
+bool Have(const char* program) {
+    return !QStandardPaths::findExecutable(QString::fromLatin1(program)).isEmpty();
+}
+
+// A tagged 20 s track, with a lyric beside it.
+void MakeTrack(const fs::path& file, const QString& artist, const QString& title) {
+    QProcess::execute("sox", {"-n", "-r", "8000", "-c", "1", QString::fromStdString(file.string()),
+                              "synth", "20", "sine", "440", "vol", "0.1"});
+    QProcess::execute("metaflac", {"--set-tag=ARTIST=" + artist, "--set-tag=TITLE=" + title,
+                                   QString::fromStdString(file.string())});
+}
+
+class Mpv {
+  public:
+    explicit Mpv(const QStringList& files) {
+        QStringList args{"--ao=null", "--vo=null", "--idle=no", "--really-quiet"};
+        if (!QFile::exists("/etc/mpv/scripts/mpris.so"))
+            for (const char* so :
+                 {"/usr/lib/mpv-mpris/mpris.so", "/usr/lib/x86_64-linux-gnu/mpv/mpris.so"})
+                if (QFile::exists(so)) args << QStringLiteral("--script=") + so;
+        process_.start("mpv", args + files);
+        process_.waitForStarted(5000);
+    }
+    ~Mpv() { Quit(); }
+    void Quit() {
+        if (process_.state() == QProcess::NotRunning) return;
+        process_.terminate();
+        if (!process_.waitForFinished(5000)) process_.kill();
+        process_.waitForFinished(2000);
+    }
+    // An MPRIS method of the player interface.
+    void Call(const QString& method, const QVariantList& args = {}) {
+        QDBusMessage m =
+            QDBusMessage::createMethodCall("org.mpris.MediaPlayer2.mpv", "/org/mpris/MediaPlayer2",
+                                           "org.mpris.MediaPlayer2.Player", method);
+        m.setArguments(args);
+        QDBusConnection::sessionBus().call(m, QDBus::Block, 2000);
+    }
+
+  private:
+    QProcess process_;
+};
+
+// A player that answers every question with garbage.
+class GarbagePlayer final : public QDBusVirtualObject {
+  public:
+    GarbagePlayer() : bus_(QDBusConnection::connectToBus(QDBusConnection::SessionBus, "garbage")) {
+        bus_.registerVirtualObject("/org/mpris/MediaPlayer2", this);
+        bus_.registerService("org.mpris.MediaPlayer2.garbage");
+    }
+    ~GarbagePlayer() override {
+        bus_.unregisterService("org.mpris.MediaPlayer2.garbage");
+        bus_.unregisterObject("/org/mpris/MediaPlayer2");
+        QDBusConnection::disconnectFromBus("garbage");
+    }
+    QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        if (message.member() == "GetAll") {
+            QVariantMap metadata{{"xesam:title", 12},
+                                 {"xesam:artist", QString(200000, QChar(0x05D0))},
+                                 {"xesam:url", "file://%%%/\x01"},
+                                 {"mpris:length", qlonglong{-9}}};
+            QVariantMap all{
+                {"PlaybackStatus", "Playing"}, {"Rate", "fast"}, {"Metadata", metadata}};
+            connection.send(message.createReply(QVariant::fromValue(all)));
+        } else {
+            connection.send(message.createReply(QVariant::fromValue(QStringLiteral("soon"))));
+        }
+        return true;
+    }
+    // Signals of the wrong shape.
+    void SendNonsense() {
+        QDBusMessage bad = QDBusMessage::createSignal(
+            "/org/mpris/MediaPlayer2", "org.freedesktop.DBus.Properties", "PropertiesChanged");
+        bad << 5 << QStringLiteral("x");
+        bus_.send(bad);
+        QDBusMessage seek = QDBusMessage::createSignal("/org/mpris/MediaPlayer2",
+                                                       "org.mpris.MediaPlayer2.Player", "Seeked");
+        seek << QStringLiteral("later");
+        bus_.send(seek);
+    }
+
+  private:
+    QDBusConnection bus_;
+};
+
+class GuiTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        if (!Have("mpv") || !Have("sox") || !Have("metaflac") ||
+            qEnvironmentVariableIsEmpty("DISPLAY") ||
+            qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
+            GTEST_SKIP()
+                << "needs mpv, sox, metaflac, a display and a session bus (with-desktop.sh)";
+        // The program's own settings, cache, log and lock, fresh for every test.
+        for (const char* v :
+             {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_STATE_HOME", "XDG_RUNTIME_DIR"}) {
+            const fs::path folder = home_.path() / v;
+            fs::create_directories(folder);
+            fs::permissions(folder, fs::perms::owner_all);
+            qputenv(v, QByteArray::fromStdString(folder.string()));
+        }
+        MakeTrack(home_.path() / "a.flac", "Toval Samples", "Harbour Lanterns");
+        fs::copy_file(fs::path(TOVAL_SOURCE_DIR) / "samples/harbour.tvl", home_.path() / "a.tvl");
+        MakeTrack(home_.path() / "b.flac", "Toval Samples", "Second Song");
+        QFile tvl(QString::fromStdString((home_.path() / "b.tvl").string()));
+        ASSERT_TRUE(tvl.open(QIODevice::WriteOnly));
+        tvl.write(
+            "[PROPERTY]\r\nMUTATION:7\r\nTRACKLENGTH:20000\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY]"
+            "[500]<500>Second <900>song <1300>opens\r\n[3000]<3000>and <3400>goes <3800>on\r\n");
+        tvl.close();
+        if (!language_.empty()) {
+            const fs::path config = home_.path() / "XDG_CONFIG_HOME" / "Toval";
+            fs::create_directories(config);
+            std::ofstream(config / "config.ini")
+                << "[toval]\r\nlanguage_name=" << language_ << "\r\n";
+        }
+        program_ = std::make_unique<cQtProgram>(cQtProgram::Options{});
+        ASSERT_TRUE(program_->Start());
+    }
+    void TearDown() override { program_.reset(); }
+
+    QString Track(const char* name) const {
+        return QString::fromStdString((home_.path() / name).string());
+    }
+    cDisplay* Display() { return program_->Logic().Display(); }
+    // The first line of the shown lyric; empty when none is shown.
+    std::u16string FirstLine() {
+        const auto lyric = Display() ? Display()->Lyric() : nullptr;
+        const auto line = lyric ? lyric->GetLine(0) : nullptr;
+        return line ? line->Text() : std::u16string();
+    }
+    int32_t Line() { return Display() ? Display()->CurrentLine() : kUnset; }
+    int32_t Word() { return Display() ? Display()->CurrentWord() : kUnset; }
+    // The screen around the display window, kept under build/ for a look.
+    void Shot(const char* name) {
+        Pump(100);
+        const QString folder = QStringLiteral(TOVAL_BUILD_DIR "/qt-screenshots");
+        QDir().mkpath(folder);
+        const QRect r = program_->Window().geometry().adjusted(-20, -20, 20, 20);
+        QGuiApplication::primaryScreen()
+            ->grabWindow(0, r.x(), r.y(), r.width(), r.height())
+            .save(folder + "/" + name + ".png");
+    }
+
+    TempDir home_;
+    std::string language_;
+    std::unique_ptr<cQtProgram> program_;
+};
+
+class HebrewGuiTest : public GuiTest {
+  protected:
+    HebrewGuiTest() { language_ = "heil"; }
+};
+
+TEST_F(GuiTest, HighlightFollowsPlaySeekPauseAndTheNextTrack) {
+    // No player at all: the program waits, shows nothing.
+    Pump(500);
+    EXPECT_TRUE(program_->Bridge().Followed().isEmpty());
+    EXPECT_EQ(FirstLine(), u"");
+
+    Mpv mpv({Track("a.flac"), Track("b.flac")});
+    ASSERT_TRUE(WaitFor([&] { return FirstLine() == u"Lanterns on the harbour wall"; }, 10000));
+    // Line 1 starts at 4.2 s, its second word at 4.8 s.
+    ASSERT_TRUE(WaitFor([&] { return Line() == 1 && Word() >= 1; }, 9000))
+        << Line() << " " << Word();
+    Shot("window");
+
+    mpv.Call("Seek", {qlonglong{-3'000'000}});
+    EXPECT_TRUE(WaitFor([&] { return Line() == 0; }, 2000)) << Line();
+
+    mpv.Call("Pause");
+    Pump(400);
+    const int32_t line = Line(), word = Word();
+    const int32_t at = program_->Bridge().Position().At(0);
+    Pump(1500);
+    EXPECT_EQ(Line(), line);
+    EXPECT_EQ(Word(), word);
+    EXPECT_EQ(program_->Bridge().Position().At(0), at);
+    mpv.Call("Play");
+
+    program_->Logic().setDisplayMode(kModeTray);
+    Shot("docked");
+    program_->Logic().setDisplayMode(kModeWindow);
+
+    mpv.Call("Next");
+    EXPECT_TRUE(WaitFor([&] { return FirstLine() == u"Second song opens"; }, 8000));
+}
+
+TEST_F(GuiTest, APlayerThatQuitsOrSendsGarbageLeavesTovalWaitingForTheNext) {
+    {
+        Mpv first({Track("a.flac")});
+        ASSERT_TRUE(WaitFor([&] { return FirstLine() == u"Lanterns on the harbour wall"; }, 10000));
+    }
+    // The player is gone: the lyric goes, the program stays.
+    EXPECT_TRUE(WaitFor(
+        [&] { return FirstLine().empty() && program_->Bridge().Followed().isEmpty(); }, 5000));
+
+    {
+        GarbagePlayer garbage;
+        ASSERT_TRUE(WaitFor(
+            [&] { return program_->Bridge().Followed() == "org.mpris.MediaPlayer2.garbage"; },
+            5000));
+        garbage.SendNonsense();
+        Pump(1500);
+        EXPECT_NE(FirstLine(), u"Lanterns on the harbour wall");
+    }
+    EXPECT_TRUE(WaitFor([&] { return program_->Bridge().Followed().isEmpty(); }, 5000));
+
+    Mpv second({Track("b.flac")});
+    EXPECT_TRUE(WaitFor([&] { return FirstLine() == u"Second song opens"; }, 10000))
+        << QString::fromStdU16String(FirstLine()).toStdString();
+}
+
+TEST_F(HebrewGuiTest, MessagesComeInHebrewMirrored) {
+    const std::u16string title = program_->Logic().Text(u"AttentionTitle");
+    const std::u16string text = program_->Logic().Text(u"InvalidMusicTAG");
+    ASSERT_FALSE(text.empty());
+    EXPECT_NE(text.find_first_of(
+                  u"\u05D0\u05D1\u05D2\u05D3\u05D4\u05D5\u05D9\u05DC\u05DE\u05E8\u05E9\u05EA"),
+              std::u16string::npos);
+    cQtShell shell(u"");
+    shell.setRightToLeft(true);
+    Qt::LayoutDirection direction = Qt::LeftToRight;
+    QTimer::singleShot(500, [&] {
+        QWidget* box = QApplication::activeModalWidget();
+        if (!box) return;
+        direction = box->layoutDirection();
+        const QString folder = QStringLiteral(TOVAL_BUILD_DIR "/qt-screenshots");
+        QDir().mkpath(folder);
+        box->grab().save(folder + "/hebrew-message.png");
+        box->close();
+    });
+    shell.ShowMessage(text, title, kMbIconExclamation);
+    EXPECT_EQ(direction, Qt::RightToLeft);
+}
+
+}  // namespace
+}  // namespace toval::test
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
