@@ -9,6 +9,8 @@ packages=(
     mingw-w64 g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix
     wine wine64
     libsqlite3-dev
+    # The Windows program under Wine on a virtual display, its screenshots, its release archive.
+    xvfb xauth x11-apps imagemagick zip
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -9,13 +9,21 @@
 
 #include "net/cInternet.h"
 #include "posix/LoopbackServer.h"
+
+#ifdef _WIN32
+#include "win32/WinAdapter.h"
+#else
 #include "posix/cPosixLoop.h"
 #include "posix/cPosixSocket.h"
 #include "posix/cPosixTimer.h"
+#endif
 
 namespace toval::test {
 namespace {
 
+#ifdef _WIN32
+using Adapters = ::testing::Types<WinAdapter>;
+#else
 struct PosixAdapter {
     std::shared_ptr<Socket> MakeSocket() { return std::make_shared<cPosixSocket>(loop); }
     std::shared_ptr<Timer> MakeTimer() { return std::make_shared<cPosixTimer>(loop); }
@@ -26,6 +34,7 @@ struct PosixAdapter {
 };
 
 using Adapters = ::testing::Types<PosixAdapter>;
+#endif
 
 struct Event {
     int16_t state;
