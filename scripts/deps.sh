@@ -15,6 +15,8 @@ packages=(
     libcpp-httplib-dev libpqxx-dev libtag1-dev postgresql pkg-config
     # the Linux desktop program, its demo and its tests on a virtual display
     qt6-base-dev mpv mpv-mpris xvfb xauth x11-apps x11-utils imagemagick dbus dbus-x11 flac sox
+    # The Windows program under Wine on a virtual display, its screenshots, its release archive.
+    xvfb xauth x11-apps imagemagick zip
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -64,7 +64,7 @@ run_ctest() {
         local where=$dir/
         [[ $preset == mingw* ]] && where="Z:${dir//\//\\}\\"
         local ok=1
-        GTEST_OUTPUT="xml:$where" ctest --preset "$preset" -I "$number,$number" >"$out" 2>&1 || ok=0
+        GTEST_OUTPUT="xml:$where" ${ctest_wrapper[@]+"${ctest_wrapper[@]}"} ctest --preset "$preset" -I "$number,$number" >"$out" 2>&1 || ok=0
         local xmls=("$dir"/*.xml) tests=0 bad=0 off=0 x
         for x in "${xmls[@]}"; do
             [ -f "$x" ] || continue
@@ -98,8 +98,13 @@ step "sanitizer build (ASan + UBSan) and tests"
 build asan && run_ctest asan
 
 step "Windows x86_64 build, tests under Wine"
+# One throw-away Wine prefix per run; the Windows programs' windows live on a
+# virtual display.
+rm -rf build/wineprefix
 mkdir -p build/wineprefix
+ctest_wrapper=(xvfb-run -a -s "-screen 0 1024x768x24")
 build mingw-x64 && run_ctest mingw-x64
+ctest_wrapper=()
 
 step "Windows i686 release build"
 build mingw-i686 || true

@@ -5,11 +5,26 @@
 // 127.0.0.1.
 #pragma once
 
+#ifdef _WIN32
+#include "win32/PosixSockets.h"  // Winsock under the names used here
+#else
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
+
+namespace toval::test {
+inline void CloseSocket(int fd) {
+    ::close(fd);
+}
+inline void SetTimeouts(int fd, int seconds) {
+    timeval limit{seconds, 0};
+    ::setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+    ::setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+}
+}  // namespace toval::test
+#endif
 
 #include <algorithm>
 #include <atomic>
@@ -149,7 +164,7 @@ class LoopbackServer {
     ~LoopbackServer() {
         stop_ = true;
         if (thread_.joinable()) thread_.join();
-        if (listen_ >= 0) ::close(listen_);
+        if (listen_ >= 0) CloseSocket(listen_);
     }
 
     LoopbackServer(const LoopbackServer&) = delete;
@@ -206,7 +221,7 @@ class LoopbackServer {
                     answer.append(buffer, static_cast<size_t>(n));
                 }
             }
-            ::close(fd);
+            CloseSocket(fd);
             c.Send(answer);
         };
     }
@@ -221,7 +236,7 @@ class LoopbackServer {
         if (fd >= 0 && ::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0) {
             return fd;
         }
-        if (fd >= 0) ::close(fd);
+        if (fd >= 0) CloseSocket(fd);
         return -1;
     }
 
@@ -241,14 +256,12 @@ class LoopbackServer {
             const int fd = ::accept4(listen_, nullptr, nullptr, SOCK_CLOEXEC);
             if (fd < 0) continue;
             ++connections_;
-            timeval limit{5, 0};
-            ::setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
-            ::setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+            SetTimeouts(fd, 5);
             if (handler_) {
                 Connection connection(*this, fd);
                 handler_(connection);
             }
-            ::close(fd);
+            CloseSocket(fd);
         }
     }
 

@@ -10,13 +10,21 @@
 
 #include "net/cInternet.h"
 #include "posix/LoopbackServer.h"
+
+#ifdef _WIN32
+#include "win32/WinAdapter.h"
+#else
 #include "posix/cPosixLoop.h"
 #include "posix/cPosixSocket.h"
 #include "posix/cPosixTimer.h"
+#endif
 
 namespace toval::test {
 namespace {
 
+#ifdef _WIN32
+using Adapters = ::testing::Types<WinAdapter>;
+#else
 struct PosixAdapter {
     std::shared_ptr<Socket> MakeSocket() { return std::make_shared<cPosixSocket>(loop); }
     std::shared_ptr<Timer> MakeTimer() { return std::make_shared<cPosixTimer>(loop); }
@@ -36,7 +44,8 @@ namespace {
 using Adapters = ::testing::Types<QtAdapter>;
 #else
 using Adapters = ::testing::Types<PosixAdapter>;
-#endif
+#endif  // TOVAL_QT_ADAPTER
+#endif  // _WIN32
 
 std::string Url(int32_t port, const std::string& path) {
     return "http://127.0.0.1:" + std::to_string(port) + path;

@@ -1,0 +1,121 @@
+// toval.exe and the demo player as real processes, for the end-to-end tests:
+// starting them with a command line, finding their windows, and the messages
+// that drive the demo player.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "cWindow.h"
+
+namespace toval::test {
+
+// The demo player's test messages (see app/demo-player/main.cpp).
+inline constexpr UINT kDemoSendRecord = WM_APP + 1;
+inline constexpr UINT kDemoSeek = WM_APP + 2;
+inline constexpr UINT kDemoTrack = WM_APP + 3;
+inline constexpr UINT kDemoNotice = WM_APP + 4;
+inline constexpr UINT kDemoHandler = WM_APP + 5;
+inline constexpr UINT kDemoPosition = WM_APP + 7;
+inline constexpr UINT kDemoSendGarbage = WM_APP + 8;
+
+// A build path (a Linux path when built on Linux) as Wine's Z: drive sees it.
+inline std::wstring WindowsPath(const std::string& path) {
+    std::wstring out;
+    if (!path.empty() && path[0] == '/') out = L"Z:";
+    for (char c : path)
+        out.push_back(c == '/' ? L'\\' : static_cast<wchar_t>(c));
+    return out;
+}
+
+inline std::wstring Quoted(const std::wstring& text) {
+    return L"\"" + text + L"\"";
+}
+
+// A child process, ended with the object if it still runs.
+class Process {
+  public:
+    Process(const std::wstring& exe, const std::wstring& arguments) {
+        std::wstring line = Quoted(exe) + (arguments.empty() ? L"" : L" " + arguments);
+        STARTUPINFOW si{};
+        si.cb = sizeof si;
+        if (CreateProcessW(exe.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                           &si, &info_))
+            CloseHandle(info_.hThread);
+        else
+            info_ = {};
+    }
+    ~Process() {
+        if (!info_.hProcess) return;
+        if (Running()) {
+            TerminateProcess(info_.hProcess, 1);
+            WaitForSingleObject(info_.hProcess, 5000);
+        }
+        CloseHandle(info_.hProcess);
+    }
+    Process(const Process&) = delete;
+    Process& operator=(const Process&) = delete;
+
+    bool Started() const { return info_.hProcess != nullptr; }
+    DWORD Id() const { return info_.dwProcessId; }
+    bool Running() const {
+        return info_.hProcess && WaitForSingleObject(info_.hProcess, 0) == WAIT_TIMEOUT;
+    }
+    // Waits for the end; false when it still runs after ms.
+    bool WaitForExit(DWORD ms) const {
+        return info_.hProcess && WaitForSingleObject(info_.hProcess, ms) == WAIT_OBJECT_0;
+    }
+    // A visible or hidden top-level window of the process with this class
+    // (any class when empty) and, when given, this title.
+    HWND Window(const wchar_t* className, const wchar_t* title = nullptr) const {
+        struct Search {
+            DWORD pid;
+            const wchar_t* cls;
+            const wchar_t* title;
+            HWND found;
+        } search{info_.dwProcessId, className, title, nullptr};
+        EnumWindows(
+            [](HWND hwnd, LPARAM param) -> BOOL {
+                auto* s = reinterpret_cast<Search*>(param);
+                DWORD pid = 0;
+                GetWindowThreadProcessId(hwnd, &pid);
+                if (pid != s->pid) return TRUE;
+                wchar_t text[256] = {};
+                if (s->cls) {
+                    GetClassNameW(hwnd, text, 256);
+                    if (std::wstring(text) != s->cls) return TRUE;
+                }
+                if (s->title) {
+                    GetWindowTextW(hwnd, text, 256);
+                    if (std::wstring(text) != s->title) return TRUE;
+                }
+                s->found = hwnd;
+                return FALSE;
+            },
+            reinterpret_cast<LPARAM>(&search));
+        return search.found;
+    }
+
+  private:
+    PROCESS_INFORMATION info_{};
+};
+
+inline std::u16string WindowText(HWND hwnd) {
+    const LRESULT length = SendMessageW(hwnd, WM_GETTEXTLENGTH, 0, 0);
+    std::u16string text(static_cast<size_t>(length > 0 ? length : 0) + 1, u'\0');
+    const LRESULT n =
+        SendMessageW(hwnd, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
+    text.resize(static_cast<size_t>(n > 0 ? n : 0));
+    return text;
+}
+
+// Waits (pumping this thread's messages) until done() holds.
+inline bool Eventually(const std::function<bool()>& done, int limitMs = 10000) {
+    return PumpUntil(done, limitMs);
+}
+
+}  // namespace toval::test
