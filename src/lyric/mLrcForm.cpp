@@ -53,6 +53,16 @@ bool IsRecordTag(std::u16string_view s, size_t open) {
     return tag.empty() || IsNumeric(tag);
 }
 
+// An ID tag at `open`: "[", ASCII letters, ":", anything up to "]".
+bool IsIdTag(std::u16string_view s, size_t open, size_t& close) {
+    size_t k = open + 1;
+    while (k < s.size() && ((s[k] >= u'a' && s[k] <= u'z') || (s[k] >= u'A' && s[k] <= u'Z')))
+        ++k;
+    if (k == open + 1 || k >= s.size() || s[k] != u':') return false;
+    close = s.find(u']', k);
+    return close != npos;
+}
+
 int32_t Clamp(int64_t value) {
     // Times stay inside 32 bits and off the no-time mark.
     if (value > INT32_MAX) return INT32_MAX;
@@ -136,8 +146,15 @@ bool ReadLrcLine(std::u16string_view piece, std::vector<std::shared_ptr<cLyricLi
         const size_t at = stamps.empty() ? i : SkipBlanks(piece, i);
         int32_t ms = 0;
         size_t close = 0;
-        if (at >= piece.size() || piece[at] != u'[' || !StampAt(piece, at, ms, close)) break;
-        stamps.push_back(ms);
+        if (at >= piece.size() || piece[at] != u'[') break;
+        if (StampAt(piece, at, ms, close)) {
+            stamps.push_back(ms);
+        } else if (!stamps.empty() && IsIdTag(piece, at, close)) {
+            // [length: 2:23] among the stamps is a tag, dropped as the record
+            // reading drops it; [Chorus] and other text in brackets stay.
+        } else {
+            break;
+        }
         i = close + 1;
     }
     if (stamps.empty()) return false;

@@ -130,6 +130,7 @@ TEST(cLyric, ReadsLrcFilesAsUsersHaveThem) {
         {u"\uFEFF  [00:01.00]x", u"[1000]x\r\n"},
         // Brackets that hold no time are text.
         {u"[00:01.00][scared]more", u"[1000][scared]more\r\n"},
+        {u"[00:01.00][length: 2:23][00:02]x", u"[1000][2000]x\r\n"},  // a tag among them is not
         {u"[00:01.00]a < b > c", u"[1000]a < b > c\r\n"},
         {u"[00:01.00]<00:01.00>ok <bad>lost", u"[1000]<1000>ok <bad>lost\r\n"},
         {u"[00:01.00]<00:01a50>Not", u"[1000]<00:01a50>Not\r\n"},
