@@ -212,9 +212,12 @@ TEST(StartUp, WithoutThePlayerTheProgramSaysSoOrStaysSilentAfterInstall) {
     {
         Process toval(kToval, L"");
         HWND box = nullptr;
-        ASSERT_TRUE(Eventually([&] { return (box = toval.Window(L"#32770")) != nullptr; }));
         wchar_t text[512] = {};
-        GetDlgItemTextW(box, 0xFFFF, text, 512);
+        // The box is there a moment before its text.
+        ASSERT_TRUE(Eventually([&] {
+            box = toval.Window(L"#32770");
+            return box && GetDlgItemTextW(box, 0xFFFF, text, 512) > 0;
+        }));
         EXPECT_NE(std::wstring(text).find(L"could not find the player plug-in"), std::wstring::npos)
             << std::wstring(text).size();
         PostMessageW(box, WM_COMMAND, IDOK, 0);
