@@ -9,8 +9,9 @@
 // Without tracks it plays harbour.flac beside itself. Keys: Space play/pause,
 // S stop, Left/Right seek 5 s, Home start, N/P next/previous track, Esc quit.
 // Tests drive it with the messages kDemo... below.
-#include <shellapi.h>
 #include <windows.h>
+
+#include <shellapi.h>
 
 #include <cstdint>
 #include <cstdio>
@@ -186,8 +187,6 @@ LRESULT CALLBACK Procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam
             switch (lParam) {
                 case 1:
                     g.handler = reinterpret_cast<HWND>(wParam);
-                    // The tag follows once this call has returned.
-                    PostMessageW(hwnd, kSendTagLater, 0, 0);
                     InvalidateRect(hwnd, nullptr, FALSE);
                     return 1;
                 case 2:
@@ -203,6 +202,9 @@ LRESULT CALLBACK Procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam
                 case 6:
                     return static_cast<LRESULT>(reinterpret_cast<intptr_t>(hwnd));
                 case 7:
+                    // The last question of a wake-up: once it has returned,
+                    // the program knows the unit, and the playing track's tag follows.
+                    if (g.handler) PostMessageW(hwnd, kSendTagLater, 0, 0);
                     return 1;  // lengths in milliseconds
                 default:
                     return 0;

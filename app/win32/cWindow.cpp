@@ -80,7 +80,10 @@ bool PumpUntil(const std::function<bool()>& done, int limitMs) {
         if (done()) return true;
         const ULONGLONG now = GetTickCount64();
         if (now >= end) return false;
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(end - now), QS_ALLINPUT);
+        // done() may also turn true without a message of this thread (another
+        // process's window changed): look again every few milliseconds.
+        const ULONGLONG wait = end - now < 5 ? end - now : 5;
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, static_cast<DWORD>(wait), QS_ALLINPUT);
         MSG msg;
         while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
             TranslateMessage(&msg);

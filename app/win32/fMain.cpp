@@ -15,6 +15,7 @@ namespace toval {
 namespace {
 
 constexpr UINT kMsgTrayIcon = WM_APP + 1;
+constexpr UINT kMsgDropSettings = WM_APP + 2;
 
 enum MenuId : UINT {
     kMnuWindowMode = 100,
@@ -39,6 +40,9 @@ fMain::fMain() {
     tray_ = std::make_unique<fTray>(globals_, surface_);
     tray_->onContextMenu = [this] { ShowMenu(); };
     taskbarCreated_ = RegisterWindowMessageW(L"TaskbarCreated");
+    // tmrDestroy: the close runs on its first tick, right after the handler
+    // that asked for it has returned.
+    destroy_.setInterval(1);
 
     // The optional string library sits beside the program.
     strings_ = std::make_unique<cWinStringsLibrary>(shell_.ProgramFolder() + u"TovalStrings.dll");
@@ -60,6 +64,7 @@ fMain::fMain() {
     };
     logic_->onDisplayLoaded = [this](cDisplay& display) { tray_->Attach(&display); };
     logic_->onUnloadForms = [this] {
+        settings_.reset();
         tray_->Attach(nullptr);
         RemoveTrayIcon();
     };
@@ -148,6 +153,7 @@ void fMain::Command(UINT id) {
                 OpenEditor();
                 break;
             case kMnuSettings:
+                ShowSettings();
                 break;
             case kMnuClearCache:
                 if (logic_->Core()) logic_->Core()->ClearCache();
@@ -176,6 +182,30 @@ void fMain::OpenEditor() {
     }
 }
 
+void fMain::ShowSettings() {
+    cConfig* config = logic_->Config();
+    if (!config) return;
+    if (!settings_) {
+        settings_ = std::make_unique<fSettings>(*config, globals_.RightToLeft);
+        settings_->onApplied = [this] { SettingsApplied(); };
+        // Dropped once its own message has returned.
+        settings_->onClosed = [this] { PostMessageW(main_.Hwnd(), kMsgDropSettings, 0, 0); };
+    }
+    settings_->Show();
+}
+
+void fMain::SettingsApplied() {
+    Guarded("fMain.SettingsApplied", [&] {
+        shell_.setRightToLeft(globals_.RightToLeft);
+        if (cDisplay* display = logic_->Display()) {
+            tray_->Attach(display);                     // the font
+            logic_->setDisplayMode(display->Window());  // transparency, topmost, direction
+            display->Load();  // the colours, and the lyric laid out afresh
+        }
+        if (logic_->Core()) logic_->Core()->Reset();
+    });
+}
+
 void fMain::ShowAbout() {
     std::u16string text = u"Toval 1.3.1\r\n\r\nShows the lyric of the playing track, word by word.";
     if (globals_.lastUpdateVersion >= 1030002)
@@ -194,6 +224,10 @@ bool fMain::OnMessage(UINT message, WPARAM, LPARAM lParam, LRESULT& result) {
         // Explorer restarted: the icon comes back.
         iconShown_ = false;
         AddTrayIcon();
+        return true;
+    }
+    if (message == kMsgDropSettings) {
+        if (settings_ && !settings_->Hwnd()) settings_.reset();
         return true;
     }
     if (message == WM_CLOSE) {

@@ -4,8 +4,9 @@
 // runs the start and the end of the program.
 #pragma once
 
-#include <shellapi.h>
 #include <windows.h>
+
+#include <shellapi.h>
 
 #include <memory>
 #include <string>
@@ -19,6 +20,7 @@
 #include "cWindow.h"
 #include "config/cSettings.h"
 #include "core/cMainLogic.h"
+#include "fSettings.h"
 #include "fTray.h"
 #include "platform/Clock.h"
 
@@ -42,6 +44,9 @@ class fMain {
     void RemoveTrayIcon();
     void OpenEditor();
     void ShowAbout();
+    void ShowSettings();
+    // The settings were saved: the display and the core take them up.
+    void SettingsApplied();
     // A caption of fMain's menu from the language, or the built-in English one.
     std::u16string Caption(const char16_t* control, const char16_t* english) const;
 
@@ -57,6 +62,7 @@ class fMain {
     cGdiSurface surface_;
     std::unique_ptr<cWinStringsLibrary> strings_;
     std::unique_ptr<fTray> tray_;
+    std::unique_ptr<fSettings> settings_;
     NOTIFYICONDATAW icon_{};
     bool iconShown_ = false;
     UINT taskbarCreated_ = 0;

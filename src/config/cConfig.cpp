@@ -252,6 +252,48 @@ void cConfig::Save(bool windowGroup) {
     });
 }
 
+std::vector<std::u16string> cConfig::SettingsGroup() {
+    std::vector<std::u16string> names(std::begin(kSettingsGroup), std::end(kSettingsGroup));
+    names.emplace_back(u"language_name");
+    names.insert(names.end(), std::begin(kSettingsGroupTail), std::end(kSettingsGroupTail));
+    return names;
+}
+
+namespace {
+bool InSettingsGroup(std::u16string_view name) {
+    for (const std::u16string& key : cConfig::SettingsGroup())
+        if (key == name) return true;
+    return false;
+}
+}  // namespace
+
+std::u16string cConfig::SettingText(std::u16string_view name) const {
+    return Guarded("cConfig.SettingText", std::u16string(), [&] {
+        if (name == u"language_name") return globals_.Settings.language_name;
+        const Key* key = InSettingsGroup(name) ? FindKey(name) : nullptr;
+        return key ? Text(globals_.Settings, key->field) : std::u16string();
+    });
+}
+
+bool cConfig::setSettingText(std::u16string_view name, const std::u16string& text) {
+    return Guarded("cConfig.setSettingText", false, [&] {
+        if (!InSettingsGroup(name)) return false;
+        if (name == u"language_name") {
+            // Save takes the language's name from the file in use.
+            const std::u16string program =
+                globals_.ProgramFolder.empty() ? shell_.ProgramFolder() : globals_.ProgramFolder;
+            globals_.Settings.language_name = text;
+            globals_.LanguageFile = AddPathSeparator(program) + text + u".ini";
+            LoadLanguage();
+            return true;
+        }
+        const Key* key = FindKey(name);
+        if (!key) return false;
+        Assign(globals_.Settings, key->field, text);
+        return true;
+    });
+}
+
 bool cConfig::editModeSplash() {
     return Guarded("cConfig.editModeSplash [Get]", false,
                    [&] { return ini_.ReadIni(u"editmode_splash", u"1") == u"1"; });

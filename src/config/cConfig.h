@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "config/cIni.h"
 #include "config/cSettings.h"
@@ -27,6 +29,16 @@ class cConfig {
     // this while closing) or the settings group (everything the settings
     // dialog edits), never both.
     void Save(bool windowGroup);
+
+    // The settings group as the settings dialog edits it: the key names in
+    // the order Save writes them (language_name among them), each with the
+    // text of its value in the settings record.
+    static std::vector<std::u16string> SettingsGroup();
+    std::u16string SettingText(std::u16string_view name) const;
+    // Puts a text into the record as Load would read it from the file: a text
+    // that does not convert leaves the value as it was. language_name also
+    // chooses the language file. False for a key outside the settings group.
+    bool setSettingText(std::u16string_view name, const std::u16string& text);
 
     // Read from and written to the file on every access.
     bool editModeSplash();

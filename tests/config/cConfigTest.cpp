@@ -286,5 +286,45 @@ TEST_F(cConfigTest, WithoutASpecialFolderTheProgramFolderHoldsTheFile) {
     EXPECT_TRUE(std::filesystem::exists(dir.path() / "program" / "config.ini"));
 }
 
+TEST_F(cConfigTest, TheSettingsDialogEditsTheSettingsGroupByName) {
+    PutLanguage("heil.ini", "[info]\r\nalignment=1\r\n");
+    cConfig config(globals, shell, ini);
+    config.Load(false);
+    const auto names = cConfig::SettingsGroup();
+    EXPECT_EQ(names.front(), u"conn_Server");
+    EXPECT_EQ(names.back(), u"plugin_AutoStart");
+    EXPECT_EQ(config.SettingText(u"font_Size"), u"8");
+    EXPECT_EQ(config.SettingText(u"language_name"), u"enus");
+
+    const std::pair<const char16_t*, const char16_t*> edits[] = {
+        {u"font_Size", u"14"},        {u"font_Bold", u"0"},      {u"font_Name", u"Tahoma"},
+        {u"color_Backround", u"255"}, {u"effect_Alpha", u"300"},  // does not convert: stays
+        {u"tray_Refresh", u"soon"},                               // does not convert: stays
+        {u"language_name", u"heil"},  {u"cache_simple", u"0"},
+    };
+    for (const auto& [name, text] : edits)
+        EXPECT_TRUE(config.setSettingText(name, text)) << std::string(name, name + 4);
+    // Keys outside the group are not the dialog's to change.
+    EXPECT_FALSE(config.setSettingText(u"window_mode", u"1"));
+    EXPECT_FALSE(config.setSettingText(u"nonsense", u"1"));
+    EXPECT_EQ(config.SettingText(u"window_mode"), u"");
+    EXPECT_TRUE(globals.RightToLeft);
+    config.Save(false);
+
+    cGlobals fresh;
+    fresh.ProgramFolder = globals.ProgramFolder;
+    cConfig reread(fresh, shell, ini);
+    reread.Load(false);
+    EXPECT_EQ(fresh.Settings.font_Size, 14);
+    EXPECT_FALSE(fresh.Settings.font_Bold);
+    EXPECT_EQ(fresh.Settings.font_Name, u"Tahoma");
+    EXPECT_EQ(fresh.Settings.color_Backround, 255);
+    EXPECT_EQ(fresh.Settings.effect_Alpha, 220);
+    EXPECT_EQ(fresh.Settings.tray_Refresh, 200);
+    EXPECT_EQ(fresh.Settings.language_name, u"heil");
+    EXPECT_FALSE(fresh.Settings.cache_simple);
+    EXPECT_EQ(fresh.Settings.window_mode, 2);
+}
+
 }  // namespace
 }  // namespace toval::test
