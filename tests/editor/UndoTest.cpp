@@ -6,8 +6,6 @@
 namespace toval::test {
 namespace {
 
-using Ints = std::vector<int32_t>;
-
 TEST(UndoHistory, RestoresStructureTextsAndTimesWithinItsBound) {
     cLyric lyric;
     lyric.setLoad(u"[1][2]<3>a <>b\r\n[]plain\r\n");
