@@ -17,47 +17,12 @@ namespace {
 
 // A value other than the default in every field that the file keeps.
 cSettings Changed() {
-    return {u"x",
-            u"lyrics.example",
-            u"proxy.lan",
-            3128,
-            true,
-            false,
-            false,
-            true,
-            u"Caf\u00e9 \u2603",
-            -32768,
-            true,
-            true,
-            1,
-            1,
-            2,
-            3,
-            -1,
-            4,
-            5,
-            6,
-            32767,
-            255,
-            false,
-            7,
-            8,
-            INT32_MIN,
-            -10,
-            11,
-            12,
-            13,
-            14,
-            15,
-            16,
-            INT32_MAX,
-            true,
-            false,
-            false,
-            1,
-            0,
-            17,
-            false};
+    // clang-format off
+    return {u"x", u"lyrics.example", u"proxy.lan", 3128, true, false, false, true,
+            u"Caf\u00e9 \u2603", -32768, true, true, 1, 1, 2, 3, -1, 4, 5, 6, 32767, 255, false,
+            7, 8, INT32_MIN, -10, 11, 12, 13, 14, 15, 16, INT32_MAX, true, false, false, 1, 0,
+            17, false};
+    // clang-format on
 }
 
 class cConfigTest : public ::testing::Test {

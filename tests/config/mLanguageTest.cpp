@@ -216,15 +216,9 @@ TEST(LanguageFiles, ShippedFilesHoldEveryMessageAndTheirDirection) {
     }
 }
 
-}  // namespace
-}  // namespace toval::test
-
-namespace toval::test {
-namespace {
-
 // A right-to-left language file is read as Hebrew (Windows-1255), a file in
 // UTF-8 as UTF-8, any other as Windows-1252.
-TEST(mLanguage, ValuesAreDecodedInTheFilesCodePage) {
+TEST_F(mLanguageTest, ValuesAreDecodedInTheFilesCodePage) {
     const struct {
         const char* info;
         std::string value;
@@ -236,15 +230,7 @@ TEST(mLanguage, ValuesAreDecodedInTheFilesCodePage) {
         {"alignment=0\r\n", "caf\xC3\xA9", u"caf\u00E9"},
     };
     for (const auto& c : cases) {
-        TempDir dir;
-        const std::u16string file = dir.file(u"lang.ini");
-        std::ofstream(std::filesystem::path(file), std::ios::binary)
-            << "[info]\r\n"
-            << c.info << "[msg]\r\nHello=" << c.value << "\r\n";
-        cIniEngine ini;
-        cGlobals globals;
-        globals.LanguageFile = file;
-        mLanguage language(ini, globals);
+        UseFile("[info]\r\n" + std::string(c.info) + "[msg]\r\nHello=" + c.value + "\r\n");
         language.ReadDirection();
         EXPECT_EQ(language.MessageText(u"Hello"), c.expected) << c.info;
     }

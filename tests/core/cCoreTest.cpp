@@ -226,12 +226,6 @@ TEST(cCore, StreamEventsReachTheDisplayOnlyWhileALyricIsActive) {
     EXPECT_EQ(r.display.Take(), (Texts{"Choose 1 2"}));
 }
 
-}  // namespace
-}  // namespace toval::test
-
-namespace toval::test {
-namespace {
-
 TEST(cCore, AForecastPollSleepsUntilTheNextEventAndWakesWhenThePlayerMoves) {
     Rig r;
     bool paused = false;

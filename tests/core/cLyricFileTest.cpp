@@ -33,19 +33,11 @@ void PrintTo(const Loaded& l, std::ostream* os) {
     *os << "\"}";
 }
 
-void Write(const std::filesystem::path& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
-}
-std::string Read(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 class LyricFileTest : public ::testing::Test {
   protected:
     LyricFileTest() {
         std::filesystem::create_directories(music.path());
-        Write(dir.path() / "enus.ini", "[msg]\r\nTovalNotFound=No lyric found\r\n");
+        dir.Write("enus.ini", "[msg]\r\nTovalNotFound=No lyric found\r\n");
         shell.programFolder = dir.folder();
         shell.specialFolder = dir.path().u16string();
         config.Load(false);
@@ -88,7 +80,7 @@ class LyricFileTest : public ::testing::Test {
 };
 
 TEST_F(LyricFileTest, FilesBesideTheTrackComeFirstTvlBeforeLrc) {
-    Write(beside("song.lrc"), "[00:01.50]from lrc\r\n");
+    dir.Write(beside("song.lrc"), "[00:01.50]from lrc\r\n");
     lookup.Load(3);
     globals.Settings.cache_simple = false;
     lookup.Load(4);
@@ -96,9 +88,10 @@ TEST_F(LyricFileTest, FilesBesideTheTrackComeFirstTvlBeforeLrc) {
     std::filesystem::create_directory(beside("song.tvl"));
     lookup.Load(5);
     std::filesystem::remove(beside("song.tvl"));
-    Write(beside("song.tvl"), std::string("ID3\x03\0\0\0", 7));  // and so does one that is no text
+    dir.Write(beside("song.tvl"),
+              std::string("ID3\x03\0\0\0", 7));  // and so does one that is no text
     lookup.Load(5);
-    Write(beside("song.tvl"), "[1000]from tvl \xC3\xA9\r\n");
+    dir.Write(beside("song.tvl"), "[1000]from tvl \xC3\xA9\r\n");
     lookup.Load(6);
     EXPECT_EQ(loaded, (std::vector<Loaded>{{3, 0, u"[00:01.50]from lrc\r\n"},
                                            {4, 1, u"[00:01.50]from lrc\r\n"},
@@ -117,7 +110,7 @@ TEST_F(LyricFileTest, CacheHitIsCopiedBesideTheTrackUnlessTheCacheIsSimple) {
     globals.Settings.cache_simple = false;
     lookup.Load(3);
     EXPECT_EQ(loaded.back(), (Loaded{3, 1, u"[2000]cached"}));
-    EXPECT_EQ(Read(beside("song.tvl")), "[2000]cached");
+    EXPECT_EQ(dir.Read(beside("song.tvl")), "[2000]cached");
     EXPECT_TRUE(socket->connects.empty());
 }
 
@@ -147,7 +140,7 @@ TEST_F(LyricFileTest, ServiceLyricGoesBesideTheTrackOrToTheCacheWhenThatFails) {
     globals.Settings.cache_simple = false;
     lookup.Load(3);
     serve("[1000]written \xE2\x82\xAC");
-    EXPECT_EQ(Read(beside("song.tvl")), "[1000]written \xE2\x82\xAC");
+    EXPECT_EQ(dir.Read(beside("song.tvl")), "[1000]written \xE2\x82\xAC");
     EXPECT_EQ(lookup.Cache().GetLyric(track), u"");
 
     // A folder that cannot take the file: the cache keeps the lyric.
@@ -181,7 +174,7 @@ TEST_F(LyricFileTest, NotFoundEndsAPlainLookupAndLeavesALyricAtHandAlone) {
 
     // Asked for something newer than the lyric at hand: no answer but a lyric
     // raises anything, and the lyric stays as it was.
-    Write(beside("song.tvl"), "[1]mine");
+    dir.Write(beside("song.tvl"), "[1]mine");
     lookup.Load(3);
     loaded.clear();
     int32_t mutation = 90;

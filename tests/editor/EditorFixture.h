@@ -5,8 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "config/cSettings.h"
 #include "editor/cEditor.h"
@@ -73,6 +75,18 @@ class EditorTest : public ::testing::Test {
         globals.PlayPosition = position;
         editor.pb_Main_KeyDown(key, 0);
     }
+    // The forward arrow at each position in turn.
+    void PressRight(std::initializer_list<int32_t> positions) {
+        for (const int32_t position : positions)
+            Press(kKeyRight, position);
+    }
+    // A left click at (x, y) with the player at a position.
+    void Click(int32_t position, double x, double y) {
+        globals.PlayPosition = position;
+        editor.pb_Main_MouseDown(kButtonLeft, 0, x, y);
+    }
+    // The highlighted line and word.
+    std::pair<int32_t, int32_t> Cursor() const { return {editor.curLine(), editor.curWord()}; }
 
     cGlobals globals;
     FakeRandom random;

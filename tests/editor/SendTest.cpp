@@ -21,8 +21,7 @@ class SendTest : public EditorTest {
             return site;
         });
         StartTiming(u"one two");
-        Press(kKeyRight, 1000);
-        Press(kKeyRight, 1200);
+        PressRight({1000, 1200});
         editor.cmdNext_Click();
     }
     void Serve(const std::string& body) {

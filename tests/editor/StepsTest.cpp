@@ -136,9 +136,7 @@ TEST_F(StepsTest, SaveWritesTvlLrcOrTextAndReportsAFailure) {
     music.setFileAddress(dir.file(u"song.mp3"));
     globals.TrackID = music.ID();  // the path decides the track's ID
     StartTiming(u"one two\r\nthree");
-    Press(kKeyRight, 1000);
-    Press(kKeyRight, 1250);
-    Press(kKeyRight, 1500);
+    PressRight({1000, 1250, 1500});
     editor.cmdNext_Click();
 
     view.saveAnswer = true;
@@ -227,10 +225,10 @@ TEST_F(StepsTest, ClosingStoresTheWindowAndTheFoldSetting) {
     EXPECT_FALSE(cancel);
     EXPECT_TRUE(closed);
     EXPECT_FALSE(timer.enabled);
-    EXPECT_EQ(globals.Settings.pos_EditWinTop, 100);
-    EXPECT_EQ(globals.Settings.pos_EditWinLeft, 200);
-    EXPECT_EQ(globals.Settings.size_EditWinWidth, 7000);
-    EXPECT_EQ(globals.Settings.size_EditWinHeight, 5000);
+    const cSettings& s = globals.Settings;
+    EXPECT_EQ(
+        std::tuple(s.pos_EditWinTop, s.pos_EditWinLeft, s.size_EditWinWidth, s.size_EditWinHeight),
+        std::tuple(100, 200, 7000, 5000));
     EXPECT_TRUE(globals.Settings.edt_AutoImplode);
 }
 

@@ -29,8 +29,7 @@ TEST_F(TimesTest, LimitsDeleteDelayAndAdjustOverARange) {
     editor.Lyric()->setLoad(u"[200]<200>a <12000>b\r\n[5000][30000]<5000>c <5500><31000>d\r\n");
     int32_t low = 0, high = 0;
     editor.getTimerLimits(low, high);
-    EXPECT_EQ(low, 200);
-    EXPECT_EQ(high, 31000);
+    EXPECT_EQ(std::pair(low, high), std::pair(200, 31000));
 
     editor.setDelay(-500, 0, 5000);  // nothing clamped: 200 becomes -300
     EXPECT_EQ(Records(), u"[-300]<-300>a <12000>b\r\n[4500][30000]<4500>c <5500><31000>d\r\n");
@@ -54,8 +53,7 @@ TEST_F(TimesTest, LimitsDeleteDelayAndAdjustOverARange) {
     editor.delTimes(INT32_MIN, INT32_MAX);
     EXPECT_FALSE(editor.HasTimes());
     editor.getTimerLimits(low, high);
-    EXPECT_EQ(low, INT32_MAX);  // no time: the start values come back
-    EXPECT_EQ(high, INT32_MIN);
+    EXPECT_EQ(std::pair(low, high), std::pair(INT32_MAX, INT32_MIN));  // no time: start values
 }
 
 TEST_F(TimesTest, ArithmeticThatLeaves32BitsStopsWithoutWrapping) {
@@ -88,10 +86,10 @@ TEST(EditAdvTime, PrefillsFromTheLimitsAndChecksFieldsInOrder) {
     for (int32_t f = 0; f < cEditAdvTime::kFieldCount; ++f)
         EXPECT_EQ(dialog.txtEdit(f), u"00:00.000");
     dialog.Prefill(1500, 61005);
-    EXPECT_EQ(dialog.txtEdit(cEditAdvTime::kFrom), u"00:01.500");
-    EXPECT_EQ(dialog.txtEdit(cEditAdvTime::kTo), u"01:01.005");
-    EXPECT_EQ(dialog.txtEdit(cEditAdvTime::kNewStart), u"00:01.500");
-    EXPECT_EQ(dialog.txtEdit(cEditAdvTime::kNewEnd), u"01:01.005");
+    for (const int32_t f : {cEditAdvTime::kFrom, cEditAdvTime::kNewStart})
+        EXPECT_EQ(dialog.txtEdit(f), u"00:01.500");
+    for (const int32_t f : {cEditAdvTime::kTo, cEditAdvTime::kNewEnd})
+        EXPECT_EQ(dialog.txtEdit(f), u"01:01.005");
 
     // Only the fields of the chosen options are read: a bad adjust field does
     // not matter for a delay over everything.
@@ -119,9 +117,8 @@ TEST(EditAdvTime, PrefillsFromTheLimitsAndChecksFieldsInOrder) {
     EXPECT_EQ(dialog.cmdOk(), -1);
     EXPECT_EQ(dialog.ResultBits(), cEditAdvTime::kRange | cEditAdvTime::kAdjust);
     // A range typed backwards is taken from its lower end.
-    EXPECT_EQ(dialog.From(), 1000);
-    EXPECT_EQ(dialog.To(), 2000);
-    EXPECT_EQ(dialog.NewEnd(), 61005);
+    EXPECT_EQ(std::tuple(dialog.From(), dialog.To(), dialog.NewEnd()),
+              std::tuple(1000, 2000, 61005));
 }
 
 TEST_F(TimesTest, AdvancedEditingAppliesTheChosenAction) {

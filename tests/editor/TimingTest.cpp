@@ -16,8 +16,7 @@ TEST_F(TimingTest, ForwardArrowWalksLinesThenRealWordsAndOverwritesAtTheEnd) {
     ASSERT_EQ(editor.Step(), 2);
     ASSERT_EQ(editor.Lyric()->GetLineSize(), 3);
     Press(kKeyRight, 100);  // line 0 itself
-    EXPECT_EQ(editor.curLine(), 0);
-    EXPECT_EQ(editor.curWord(), kUnset);
+    EXPECT_EQ(Cursor(), std::pair(0, kUnset));
     Press(kKeyRight, 200);  // "Hi"
     Press(kKeyRight, 300);  // "," and " " skipped: "you"
     EXPECT_EQ(editor.curWord(), 3);
@@ -42,18 +41,15 @@ TEST_F(TimingTest, AgainKeyCorrectsTheLastStampAndDownArrowTakesTheNextLine) {
     Press(kKeyUp, 2100);     // does nothing
     Press(kKeyRight, 2200);  // "three"
     // A word sung twice: clicking it again appends a second time.
-    globals.PlayPosition = 3000;
-    editor.pb_Main_MouseDown(kButtonLeft, 0, 5, 3);
+    Click(3000, 5, 3);
     EXPECT_EQ(Records(), u"[1000]<1160><3000>one<> <>two\r\n[2000]<2200>three<> <>four\r\n");
 }
 
 TEST_F(TimingTest, AnotherTrackMovesTheHighlightButStampsNothing) {
     StartTiming(u"one two\r\nthree");
     globals.TrackID = 7;
-    Press(kKeyRight, 100);
-    Press(kKeyRight, 200);
-    EXPECT_EQ(editor.curLine(), 0);
-    EXPECT_EQ(editor.curWord(), 0);
+    PressRight({100, 200});
+    EXPECT_EQ(Cursor(), std::pair(0, 0));
     EXPECT_FALSE(editor.HasTimes());
     editor.pb_Main_MouseDown(kButtonLeft, 0, 5, 20);
     EXPECT_EQ(editor.curLine(), 1);
@@ -80,14 +76,11 @@ TEST_F(TimingTest, RightToLeftLyricSwapsTheArrowsAndWalksFromTheLastWord) {
 TEST_F(TimingTest, MouseHitsWordsLinesAndNothing) {
     StartTiming(u"ab cd\r\nlonger line here");
     // Line 0: "ab" 0-20, " " 20-30, "cd" 30-50; y 0-16.
-    globals.PlayPosition = 500;
-    editor.pb_Main_MouseDown(kButtonLeft, 0, 35.4, 3);
+    Click(500, 35.4, 3);
     EXPECT_EQ(Times(Word(0, 2)), Ints{500});
-    globals.PlayPosition = 600;
-    editor.pb_Main_MouseDown(kButtonLeft, 0, 35, 3);  // the same word: overwritten
+    Click(600, 35, 3);  // the same word: overwritten
     EXPECT_EQ(Times(Word(0, 2)), Ints{600});
-    globals.PlayPosition = 700;
-    editor.pb_Main_MouseDown(kButtonLeft, 0, 120, 8);  // beside the words: the line
+    Click(700, 120, 8);  // beside the words: the line
     EXPECT_EQ(Times(Line(0)), Ints{700});
     editor.pb_Main_MouseDown(kButtonLeft, 0, 5, 500);  // below every line
     EXPECT_EQ(editor.newLine(), kUnset);
@@ -137,8 +130,7 @@ TEST_F(TimingTest, RightClickShowsTheElementsTimesAndRestoresTheHighlight) {
     EXPECT_FALSE(view.menus[0].DelFromEnabled);
     // The target goes back to the line; restoring a line alone on the same
     // line leaves the clicked word highlighted.
-    EXPECT_EQ(editor.curLine(), 1);
-    EXPECT_EQ(editor.curWord(), 2);
+    EXPECT_EQ(Cursor(), std::pair(1, 2));
     EXPECT_EQ(editor.newLine(), 1);
     EXPECT_EQ(editor.newWord(), kUnset);
     // A word of another line with a time: listed in both sub-menus.
@@ -148,8 +140,7 @@ TEST_F(TimingTest, RightClickShowsTheElementsTimesAndRestoresTheHighlight) {
     EXPECT_EQ(view.menus[1].DelTimes, std::vector<std::u16string>{u"00:00.200"});
     EXPECT_TRUE(view.menus[1].DelFromEnabled);
     // From another line, the highlight returns to the remembered pair.
-    EXPECT_EQ(editor.curLine(), 1);
-    EXPECT_EQ(editor.curWord(), 2);
+    EXPECT_EQ(Cursor(), std::pair(1, 2));
     EXPECT_EQ(view.redrawn.back().line, 1);
     EXPECT_TRUE(view.redrawn.back().highlighted);
 }
@@ -174,13 +165,10 @@ TEST_F(TimingTest, MenuDeleteFromCutsTheWholeLyricOff) {
 
 TEST_F(TimingTest, MenuDeletesAndEditsTheClickedElementsTimes) {
     StartTiming(u"ab cd\r\nef gh");
-    Press(kKeyRight, 100);
-    Press(kKeyRight, 200);
+    PressRight({100, 200});
     Press(kKeyLeft, 210);
-    globals.PlayPosition = 800;
-    editor.pb_Main_MouseDown(kButtonLeft, 0, 5, 20);  // "ef"
-    globals.PlayPosition = 900;
-    editor.pb_Main_MouseDown(kButtonLeft, 0, 5, 3);  // "ab" again: two times
+    Click(800, 5, 20);  // "ef"
+    Click(900, 5, 3);   // "ab" again: two times
     ASSERT_EQ(Times(Word(0, 0)), (Ints{210, 900}));
     // Edit the second time by text.
     view.onMenu = [](const cEditorMenu&) { return cMenuChoice{cMenuChoice::EditTime, 2}; };
@@ -216,10 +204,7 @@ TEST_F(TimingTest, MenuDeletesAndEditsTheClickedElementsTimes) {
 
 TEST_F(TimingTest, PreviewFollowsThePlayPositionOnlyForTheEditorsTrack) {
     StartTiming(u"ab cd\r\nef gh");
-    Press(kKeyRight, 1000);
-    Press(kKeyRight, 1000);
-    Press(kKeyRight, 2000);
-    Press(kKeyRight, 3000);
+    PressRight({1000, 1000, 2000, 3000});
     editor.cmdNext_Click();
     ASSERT_EQ(editor.Step(), 3);
     EXPECT_TRUE(timer.enabled);
@@ -227,16 +212,14 @@ TEST_F(TimingTest, PreviewFollowsThePlayPositionOnlyForTheEditorsTrack) {
     EXPECT_FALSE(editor.lastTimeSet());
     globals.PlayPosition = 2500;
     timer.tick();
-    EXPECT_EQ(editor.curLine(), 0);
-    EXPECT_EQ(editor.curWord(), 2);
+    EXPECT_EQ(Cursor(), std::pair(0, 2));
     globals.PlayPosition = 3100;
     globals.TrackID = 1;  // another track: the preview stands still
     timer.tick();
     EXPECT_EQ(editor.curLine(), 0);
     globals.TrackID = 4242;
     timer.tick();
-    EXPECT_EQ(editor.curLine(), 1);
-    EXPECT_EQ(editor.curWord(), kUnset);
+    EXPECT_EQ(Cursor(), std::pair(1, kUnset));
     // Keys do nothing in the preview.
     Press(kKeyRight, 5000);
     EXPECT_EQ(Times(Word(1, 0)), Ints{});

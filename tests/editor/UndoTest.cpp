@@ -1,15 +1,10 @@
-// Undo and redo of the lyric's content and times, and a whole editing
-// session from typed text to a saved file read back.
+// Undo and redo of the lyric's content and times.
 #include "EditorFixture.h"
-#include "base/mFile.h"
 #include "core/cEventStream.h"
 #include "editor/cUndoHistory.h"
-#include "fakes/TempDir.h"
 
 namespace toval::test {
 namespace {
-
-using Ints = std::vector<int32_t>;
 
 TEST(UndoHistory, RestoresStructureTextsAndTimesWithinItsBound) {
     cLyric lyric;
@@ -127,67 +122,6 @@ TEST_F(UndoTest, UndoInPreviewRebuildsTheStreamAndFoldingHappensOnce) {
     editor.cmdNext_Click();
     editor.cmdNext_Click();
     EXPECT_EQ(editor.Lyric()->GetLineSize(), 3);
-}
-
-TEST_F(UndoTest, WholeSessionFromTextToSavedFile) {
-    TempDir dir;
-    music.setFileAddress(dir.file(u"track.mp3"));
-    music.setMiliDuration(180000);
-    globals.TrackID = music.ID();
-    globals.Settings.edt_AutoImplode = true;
-    // Type a verse and a chorus sung twice.
-    StartTiming(
-        u"Hello, world\r\n\r\nSing it loud\r\nSing it clear\r\n\r\nSing it loud\r\nSing it clear");
-    const auto lyric = editor.Lyric();
-    ASSERT_EQ(lyric->GetLineSize(), 7);
-    // Time every line and every real word with the forward arrow, 100 ms apart.
-    int32_t position = 1000;
-    int presses = 0;
-    for (;;) {
-        Press(kKeyRight, position);
-        ++presses;
-        if (editor.curLine() == 6 && editor.curWord() == 4) break;  // "clear"
-        position += 100;
-        ASSERT_LT(presses, 100);
-    }
-    // Lines: 7 line times; words: 2 + 0 + 3 + 3 + 0 + 3 + 3 = 14.
-    EXPECT_EQ(presses, 7 + 14);
-    EXPECT_EQ(Times(Word(0, 3)), Ints{1200});  // "world", after "," and " "
-    // A press that came late: corrected with the again key.
-    Press(kKeyLeft, position - 30);
-    EXPECT_EQ(Times(Word(6, 4)), Ints{position - 30});
-
-    // Preview folds the repeated chorus into its first copy.
-    editor.cmdNext_Click();
-    ASSERT_EQ(lyric->GetLineSize(), 5);
-    EXPECT_EQ(Times(Line(2)).size(), 2u);
-    EXPECT_EQ(Times(Word(3, 4)), (Ints{Times(Word(3, 4))[0], position - 30}));
-
-    // Shift the second half a second later over a range, by the dialog.
-    view.onAdv = [](cEditAdvTime& d) {
-        d.optFrom_Click();
-        d.optDelay_Click();
-        d.setTxtEdit(cEditAdvTime::kFrom, u"00:02");
-        d.setTxtEdit(cEditAdvTime::kTo, u"00:10");
-        d.setTxtEdit(cEditAdvTime::kDelayBy, u"00:01");
-        return true;
-    };
-    editor.cmdBack_Click();
-    editor.mnuAdv_Click();
-    EXPECT_EQ(Times(Word(0, 3)), Ints{1200});
-    EXPECT_EQ(Times(Word(3, 4)).back(), position - 30 + 1000);
-    editor.cmdNext_Click();
-
-    // Save as tvl and read it back: the same times everywhere.
-    view.saveAnswer = true;
-    view.saveFile = dir.file(u"track.tvl");
-    editor.cmdSave_Click();
-    cLyric back;
-    back.setLoad(FileRead(view.saveFile));
-    EXPECT_EQ(back.Load(), lyric->Load());
-    EXPECT_EQ(back.TrackLength(), 180000);
-    EXPECT_EQ(back.Mutation(), lyric->Mutation());
-    EXPECT_FALSE(back.Simple());
 }
 
 }  // namespace
