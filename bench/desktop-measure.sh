@@ -85,6 +85,7 @@ until grep -q "highlight line=[0-9]" "$out/trace.txt" 2>/dev/null; do sleep 0.01
 shown=$(grep -m1 "highlight line=[0-9]" "$out/trace.txt" | cut -d' ' -f1)
 started=$(grep -m1 " start$" "$out/trace.txt" | cut -d' ' -f1)
 toval_launch=$((shown - t0))
+toval_startup=$((started - t0))
 c0=$(cpu_ticks "$toval_pid")
 sleep "$seconds"
 c1=$(cpu_ticks "$toval_pid")
@@ -124,7 +125,7 @@ fi
 
 echo
 echo "after ${seconds} s of playback, mpv on a virtual display:"
-echo "  Toval:      $((toval_pss / 1024)) MB PSS (1 process), ${toval_cpu_ms} ms CPU/min, ${toval_launch} ms to the lyric ($((started - t0)) ms to its start-up)"
+echo "  Toval:      $((toval_pss / 1024)) MB PSS (1 process), ${toval_cpu_ms} ms CPU/min, ${toval_launch} ms to the lyric (${toval_startup} ms of it before its start-up)"
 echo "  OSD Lyrics: $peer"
 echo "  Toval's highlight after each word's time: $late"
 echo "figures and screenshots: $out"

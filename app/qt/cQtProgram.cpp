@@ -11,6 +11,7 @@
 #include "base/cErrorLog.h"
 #include "base/mString.h"
 #include "cQtSocket.h"
+#include "cSettingsDialog.h"
 #include "config/cConfig.h"
 #include "core/cCore.h"
 #include "core/cEventStream.h"
@@ -52,7 +53,8 @@ QIcon ProgramIcon() {
 
 cQtProgram::cQtProgram(Options options)
     : options_(std::move(options)),
-      shell_(cQtShell::DefaultDataFolder()),
+      languageFolder_(cQtShell::DefaultDataFolder()),
+      shell_(languageFolder_),
       bridge_(QDBusConnection::sessionBus(), options_.player),
       window_(globals_, picture_) {
     destroy_.setInterval(10);
@@ -120,6 +122,12 @@ void cQtProgram::BuildMenu() {
             [this] { logic_->setDisplayMode(kModeWindow); });
     connect(modeDocked_, &QAction::triggered, this, [this] { logic_->setDisplayMode(kModeTray); });
     menu_.addSeparator();
+    connect(menu_.addAction(Caption(u".fMain.mnuSettings.caption", tr("&Settings..."))),
+            &QAction::triggered, this, [this] {
+                cSettingsDialog dialog(globals_, languageFolder_);
+                if (dialog.exec() == QDialog::Accepted)
+                    ApplySettings(dialog.Edited(), dialog.LanguageFile());
+            });
     connect(menu_.addAction(Caption(u".fMain.mnuAbout.caption", tr("&About Toval"))),
             &QAction::triggered, this, [this] {
                 QMessageBox::about(
@@ -133,6 +141,22 @@ void cQtProgram::BuildMenu() {
     menu_.addSeparator();
     connect(menu_.addAction(Caption(u".fMain.mnuExit.caption", tr("E&xit"))), &QAction::triggered,
             this, [this] { logic_->closeProgram(); });
+}
+
+void cQtProgram::ApplySettings(const cSettings& settings, const std::u16string& languageFile) {
+    cConfig* config = logic_->Config();
+    if (!config) return;
+    globals_.Settings = settings;
+    globals_.LanguageFile = languageFile;
+    config->Save(false);  // also loads the language chosen
+    config->Language().ReadDirection();
+    if (logic_->onApplyLanguage) logic_->onApplyLanguage(config->Language());
+    BuildMenu();
+    UpdateMenus();
+    if (cDisplay* display = logic_->Display()) display->Load();
+    window_.ApplySettings();
+    // Another service may know the track's lyric.
+    if (const auto core = logic_->Core()) core->Reset();
 }
 
 void cQtProgram::UpdateMenus() {

@@ -39,6 +39,10 @@ class cQtProgram final : public QObject {
     cDisplayWindow& Window() { return window_; }
     cMprisBridge& Bridge() { return bridge_; }
     cMainLogic& Logic() { return *logic_; }
+    cGlobals& Globals() { return globals_; }
+    const std::u16string& LanguageFolder() const { return languageFolder_; }
+    // Takes edited settings and a language file: saves them and shows them.
+    void ApplySettings(const cSettings& settings, const std::u16string& languageFile);
 
   private:
     void BuildMenu();
@@ -47,6 +51,7 @@ class cQtProgram final : public QObject {
     QString Caption(const char16_t* key, const QString& fallback) const;
 
     Options options_;
+    std::u16string languageFolder_;
     cGlobals globals_;
     cQtShell shell_;
     cIniEngine ini_;

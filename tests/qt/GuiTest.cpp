@@ -23,6 +23,7 @@
 #include <memory>
 
 #include "cQtProgram.h"
+#include "cSettingsDialog.h"
 #include "core/cMainLogic.h"
 #include "display/cDisplay.h"
 #include "fakes/TempDir.h"
@@ -232,6 +233,22 @@ TEST_F(GuiTest, HighlightFollowsPlaySeekPauseAndTheNextTrack) {
     program_->Logic().setDisplayMode(kModeTray);
     Shot("docked");
     program_->Logic().setDisplayMode(kModeWindow);
+
+    // The settings dialog, and what it hands back reaches the display at once.
+    {
+        cSettingsDialog dialog(program_->Globals(), program_->LanguageFolder());
+        dialog.show();
+        Pump(200);
+        dialog.grab().save(QStringLiteral(TOVAL_BUILD_DIR "/qt-screenshots/settings.png"));
+        cSettings edited = dialog.Edited();
+        edited.font_Size = 14;
+        edited.color_Backround = 0x202020;
+        dialog.hide();
+        program_->ApplySettings(edited, dialog.LanguageFile());
+        Pump(300);
+        Shot("window-after-settings");
+        EXPECT_EQ(program_->Logic().Display()->SlotColor(kSlotBackground), 0x202020);
+    }
 
     mpv.Call("Next");
     EXPECT_TRUE(WaitFor([&] { return FirstLine() == u"Second song opens"; }, 8000));
