@@ -142,14 +142,11 @@ TEST_F(mLanguageTest, LabelsAFormAndEverythingInIt) {
     FakeControl& empty = form.Add(u"emptyValue");
 
     language.ApplyLanguage(form, u"");
-    EXPECT_EQ(form.caption, u"Editor");
-    EXPECT_EQ(form.tip, u"designer tip");
-    EXPECT_EQ(save.caption, u"&Save as");
-    EXPECT_EQ(save.tip, u"Save the lyric");
-    EXPECT_EQ(frame.caption, u"designer");
-    EXPECT_EQ(all.caption, u"All");
-    EXPECT_FALSE(noCaption.caption.has_value());
-    EXPECT_EQ(empty.caption, u"designer");
+    using Text = std::optional<std::u16string>;
+    EXPECT_EQ((std::vector<Text>{form.caption, form.tip, save.caption, save.tip, frame.caption,
+                                 all.caption, noCaption.caption, empty.caption}),
+              (std::vector<Text>{u"Editor", u"designer tip", u"&Save as", u"Save the lyric",
+                                 u"designer", u"All", std::nullopt, u"designer"}));
 }
 
 TEST_F(mLanguageTest, TaggedControlsMirrorOnceWhenTheDirectionDiffers) {

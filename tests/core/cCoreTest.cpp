@@ -88,9 +88,7 @@ TEST(cCore, SlowDownNoticesStepTheIntervalUp) {
         r.core->PluginEvent(kEventSlowDown);
         intervals.push_back(r.timer.interval);
     }
-    EXPECT_EQ(intervals[0], 40);
-    EXPECT_EQ(intervals[1], 60);
-    EXPECT_EQ(intervals.back(), 5000);
+    EXPECT_EQ(std::tuple(intervals[0], intervals[1], intervals.back()), std::tuple(40, 60, 5000));
     // The window is refitted only while polling at the fast interval.
     EXPECT_EQ(r.display.Take(), (Texts{"ReajustWindow"}));
 

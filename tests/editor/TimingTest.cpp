@@ -88,8 +88,7 @@ TEST_F(TimingTest, MouseHitsWordsLinesAndNothing) {
     editor.pb_Main_MouseDown(kButtonLeft, 0, 1e300, 5);  // no integer coordinate
     EXPECT_EQ(editor.newLine(), kUnset);
     editor.locateLineWord(12, 20);
-    EXPECT_EQ(editor.newLine(), 1);
-    EXPECT_EQ(editor.newWord(), 0);
+    EXPECT_EQ(std::pair(editor.newLine(), editor.newWord()), std::pair(1, 0));
     // Outside the timing step the mouse does nothing.
     editor.cmdNext_Click();
     editor.pb_Main_MouseDown(kButtonLeft, 0, 5, 20);
@@ -131,8 +130,7 @@ TEST_F(TimingTest, RightClickShowsTheElementsTimesAndRestoresTheHighlight) {
     // The target goes back to the line; restoring a line alone on the same
     // line leaves the clicked word highlighted.
     EXPECT_EQ(Cursor(), std::pair(1, 2));
-    EXPECT_EQ(editor.newLine(), 1);
-    EXPECT_EQ(editor.newWord(), kUnset);
+    EXPECT_EQ(std::pair(editor.newLine(), editor.newWord()), std::pair(1, kUnset));
     // A word of another line with a time: listed in both sub-menus.
     editor.pb_Main_MouseDown(kButtonRight, 0, 5, 3);
     ASSERT_EQ(view.menus.size(), 2u);
