@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "base/mFile.h"
@@ -74,23 +75,16 @@ TEST_F(TovalSiteTest, LoadAsksTheGetScriptWithTheTrackInOrder) {
               "/website/tvl_get_url.php?art=Ann+%26+Bo&alb=&tit=Caf%C3%A9+/+Night%3F"
               "&dur=216&siz=4096&mut=0&vrs=1030001&get=Get");
     EXPECT_NE(socket->sent.find("\r\nHost: lyrics.test\r\n"), std::string::npos);
-    EXPECT_EQ(site.Mode(), 0);
-
     // The mode argument goes as mut= and sorts into the request mode.
-    const struct {
-        int32_t mode;
-        std::string mut;
-        int32_t requestMode;
-    } modes[] = {{1804289383, "mut=1804289383", 1},
-                 {-5, "mut=-5", 1},
-                 {kUnset, "mut=-2147483648", 2},
-                 {0, "mut=0", 0}};
-    for (const auto& m : modes) {
+    for (const auto& [mode, mut, requestMode] : {std::tuple{1804289383, "1804289383", 1},
+                                                 {-5, "-5", 1},
+                                                 {kUnset, "-2147483648", 2},
+                                                 {0, "0", 0}}) {
         socket->sent.clear();
-        site.Load(music, 13, m.mode);
+        site.Load(music, 13, mode);
         socket->accept();
-        EXPECT_NE(target().find("&" + m.mut + "&vrs="), std::string::npos) << m.mut;
-        EXPECT_EQ(site.Mode(), m.requestMode) << m.mut;
+        EXPECT_NE(target().find(std::string("&mut=") + mut + "&vrs="), std::string::npos) << mut;
+        EXPECT_EQ(site.Mode(), requestMode) << mut;
     }
 }
 
@@ -126,28 +120,99 @@ TEST_F(TovalSiteTest, SaveSendsKaraokeAsTvlAndLineTimedLyricsAsLrc) {
 }
 
 TEST(cTovalSiteRule, LrcOnlyWhenNothingIsLost) {
-    const struct {
-        const char16_t* text;
-        bool lrc;
-    } cases[] = {
+    const std::pair<const char16_t*, bool> cases[] = {
         {u"[1000]one\r\n[2500]two", true},
         {u"[00:01.00]one", true},
-        {u"", false},            // nothing timed
-        {u"one\r\ntwo", false},  // untimed
+        {u"[1000]<>one <>two", true},  // words without times
+        {u"", false},                  // nothing timed
+        {u"one\r\ntwo", false},        // untimed
         {u"[1000]one\r\n[]gap\r\n[3000]three", false},
         {u"[1000][9000]chorus", false},         // two times: LRC keeps the first
         {u"[1005]one", false},                  // LRC keeps hundredths
         {u"[1000]<1000>one <1500>two", false},  // word times
-        {u"[1000]<>one <>two", true},           // words without times
         {u"[PROPERTY]\r\nTRACKLENGTH:5000\r\n[\\PROPERTY][1000]one", false},
         {u"[PROPERTY]\r\nRIGHTTOLEFT:1\r\n[\\PROPERTY][1000]one", false},
     };
-    int index = 0;
-    for (const auto& c : cases) {
+    for (const auto& [text, lrc] : cases) {
         cLyric lyric;
-        lyric.setLoad(c.text);
-        EXPECT_EQ(cTovalSite::SendsAsLRC(lyric), c.lrc) << "case " << index;
-        ++index;
+        lyric.setLoad(text);
+        EXPECT_EQ(cTovalSite::SendsAsLRC(lyric), lrc) << lyric.TVL().size();
+    }
+}
+
+TEST(cTovalSiteAnswer, SortsEnvelopeBodiesIntoResultCodesAndSaysWhyOnFailure) {
+    using C = cNetError::Category;
+    const std::string none = "the service's answer holds no <TOVAL> envelope";
+    const std::string said = "the service answered ";
+    const std::string db = "the service's database failed ";
+    const struct {
+        std::string data;
+        int16_t result;
+        cNetError error;
+        std::string body = {}, server = {};
+    } cases[] = {
+        {"<TOVAL>:SUCCESS</TOVAL>", cTovalSite::kSuccess, {}},
+        {"<TOVAL>:SQL_ERROR</TOVAL>", cTovalSite::kSqlError, {C::kService, db + "(':SQL_ERROR')"}},
+        {"<TOVAL>:SQL_CONNECTION_ERROR</TOVAL>",
+         cTovalSite::kSqlError,
+         {C::kService, db + "(':SQL_CONNECTION_ERROR')"}},
+        {"<TOVAL>:NOUPDATES</TOVAL>", cTovalSite::kNoUpdates, {}},
+        {"<TOVAL>:NOTFOUND</TOVAL>", cTovalSite::kNotFound, {}},
+        {"<TOVAL>:UPDATESERVER:new.host:8080</TOVAL>",
+         cTovalSite::kNotFound,
+         {},
+         "",
+         "new.host:8080"},
+        // The first envelope; the close marker is searched behind the open one;
+        // a lyric keeps its bytes as they came.
+        {"<html><TOVAL>one</TOVAL><TOVAL>two</TOVAL>", cTovalSite::kLyric, {}, "one"},
+        {"</TOVAL><TOVAL>[0]\xC3\xA9\r\n</TOVAL>", cTovalSite::kLyric, {}, "[0]\xC3\xA9\r\n"},
+        // Codes are compared whole and case-sensitively.
+        {"<TOVAL>:notfound</TOVAL>", cTovalSite::kFailure, {C::kService, said + "':notfound'"}},
+        {"<TOVAL>:NOTFOUND </TOVAL>", cTovalSite::kFailure, {C::kService, said + "':NOTFOUND '"}},
+        {"<TOVAL>:SUCCESSFUL</TOVAL>", cTovalSite::kFailure, {C::kService, said + "':SUCCESSFUL'"}},
+        {"<TOVAL>:UPDATESERVER:</TOVAL>",
+         cTovalSite::kFailure,
+         {C::kService, said + "':UPDATESERVER:'"}},
+        {"<TOVAL>:\x1b\n</TOVAL>", cTovalSite::kFailure, {C::kService, said + "':?" "?'"}},
+        {"", cTovalSite::kFailure, {C::kBadAnswer, none}},
+        {"<TOVAL></TOVAL>", cTovalSite::kFailure, {C::kBadAnswer, "the service's answer is empty"}},
+        {"<TOVAL>:SUCCESS", cTovalSite::kFailure, {C::kBadAnswer, none}},
+        {":SUCCESS</TOVAL>", cTovalSite::kFailure, {C::kBadAnswer, none}},
+        {"</TOVAL><TOVAL>:SUCCESS", cTovalSite::kFailure, {C::kBadAnswer, none}},
+        {"<toval>:SUCCESS</toval>", cTovalSite::kFailure, {C::kBadAnswer, none}},
+    };
+    for (const auto& c : cases) {
+        const auto answer = cTovalSite::ReadAnswer(c.data);
+        EXPECT_EQ(answer.result, c.result) << c.data;
+        EXPECT_EQ(answer.error, c.error) << c.data;
+        if (c.result == cTovalSite::kLyric) {
+            EXPECT_EQ(answer.body, c.body);
+        }
+        EXPECT_EQ(answer.newServer, c.server) << c.data;
+    }
+    // The announced version, only when it is a number.
+    const std::pair<const char*, int32_t> versions[] = {
+        {"<LLV>1030002</LLV><TOVAL>:NOTFOUND</TOVAL>", 1030002},
+        {"<TOVAL>:NOTFOUND</TOVAL><LLV> 1030005 </LLV>", 1030005},
+        {"<LLV>5</LLV><TOVAL>", 5},  // even when the envelope is broken
+        {"<LLV>1.5</LLV>", 2},
+        {"<LLV>2.5</LLV>", 2},
+        {"<LLV>-7</LLV>", -7},
+        {"<LLV>1.3.2</LLV>", kUnset},
+        {"<LLV>new</LLV>", kUnset},
+        {"<LLV></LLV>", kUnset},
+        {"<LLV>1030002", kUnset},
+        {"</LLV>1030002<LLV>", kUnset},
+        {"<LLV>99999999999</LLV>", kUnset},
+        {"<LLV>1e400</LLV>", kUnset},
+    };
+    for (const auto& [data, version] : versions) {
+        const auto a = cTovalSite::ReadAnswer(data);
+        EXPECT_EQ(a.hasVersion, version != kUnset) << data;
+        if (a.hasVersion) {
+            EXPECT_EQ(a.version, version) << data;
+        }
     }
 }
 

@@ -1,8 +1,7 @@
 // A tiny HTTP server on 127.0.0.1, on a port the system picks, serving one
 // connection at a time on its own thread with a scripted handler. Every
 // blocking step has a time limit and the thread ends with the object, so a
-// test can never hang on it. Also a forwarding proxy that only reaches
-// 127.0.0.1.
+// test can never hang on it.
 #pragma once
 
 #ifdef _WIN32
@@ -26,11 +25,10 @@ inline void SetTimeouts(int fd, int seconds) {
 }  // namespace toval::test
 #endif
 
-#include <algorithm>
 #include <atomic>
-#include <cctype>
 #include <chrono>
 #include <cstdint>
+#include <cstdlib>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -51,17 +49,34 @@ class LoopbackServer {
         // bytes as its Content-Length names. Recorded in Requests().
         std::string ReadRequest() {
             std::string request;
-            size_t headEnd = std::string::npos;
-            while ((headEnd = request.find("\r\n\r\n")) == std::string::npos) {
-                if (!ReadMore(request)) break;
+            size_t end;
+            while ((end = request.find("\r\n\r\n")) == std::string::npos &&
+                   Read(request, request.size() + 1)) {
             }
-            if (headEnd != std::string::npos) {
-                const size_t want = headEnd + 4 + ContentLength(request.substr(0, headEnd));
-                while (request.size() < want && ReadMore(request)) {
-                }
+            if (end != std::string::npos) {
+                const size_t at = request.find("\r\nContent-Length: ");
+                if (at < end) end += std::strtoul(request.c_str() + at + 18, nullptr, 10);
+                Read(request, end + 4);
             }
-            server_.Record(request);
+            std::lock_guard lock(server_.mutex_);
+            server_.requests_.push_back(request);
             return request;
+        }
+
+        // Reads until `into` holds at least `size` bytes; false when the peer
+        // closes or five seconds pass.
+        bool Read(std::string& into, size_t size) {
+            const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+            while (into.size() < size && !server_.stop_ && std::chrono::steady_clock::now() < end &&
+                   into.size() < (1u << 20)) {
+                pollfd p{fd_, POLLIN, 0};
+                if (::poll(&p, 1, 10) <= 0) continue;
+                char buffer[4096];
+                const ssize_t n = ::recv(fd_, buffer, sizeof buffer, 0);
+                if (n <= 0) return false;
+                into.append(buffer, static_cast<size_t>(n));
+            }
+            return into.size() >= size;
         }
 
         // Sends all bytes; false when the peer is gone.
@@ -74,71 +89,18 @@ class LoopbackServer {
             return true;
         }
 
-        // Sends bytes in pieces of pieceSize with a pause between them.
-        bool SendInPieces(std::string_view bytes, size_t pieceSize, int pauseMs) {
-            while (!bytes.empty()) {
-                const size_t n = std::min(pieceSize, bytes.size());
-                if (!Send(bytes.substr(0, n))) return false;
-                bytes.remove_prefix(n);
-                if (!bytes.empty()) Pause(pauseMs);
-            }
-            return true;
-        }
-
-        // Sleeps, but wakes when the server stops.
-        void Pause(int ms) {
-            const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(ms);
-            while (!server_.stop_ && std::chrono::steady_clock::now() < end) {
-                std::this_thread::sleep_for(std::chrono::milliseconds(2));
-            }
-        }
-
         // Waits until the client closes (true) or ms pass (false).
         bool WaitForClose(int ms) {
             const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(ms);
             while (!server_.stop_ && std::chrono::steady_clock::now() < end) {
                 pollfd p{fd_, POLLIN, 0};
-                if (::poll(&p, 1, 10) > 0) {
-                    char c[4096];
-                    if (::recv(fd_, c, sizeof c, 0) <= 0) return true;
-                }
+                char c[4096];
+                if (::poll(&p, 1, 10) > 0 && ::recv(fd_, c, sizeof c, 0) <= 0) return true;
             }
             return false;
         }
-
-        int fd() const { return fd_; }
-        LoopbackServer* server() const { return &server_; }
 
       private:
-        bool ReadMore(std::string& into) {
-            pollfd p{fd_, POLLIN, 0};
-            const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-            while (!server_.stop_ && std::chrono::steady_clock::now() < end) {
-                if (::poll(&p, 1, 10) <= 0) continue;
-                char buffer[4096];
-                const ssize_t n = ::recv(fd_, buffer, sizeof buffer, 0);
-                if (n <= 0) return false;
-                into.append(buffer, static_cast<size_t>(n));
-                return into.size() < (1u << 20);
-            }
-            return false;
-        }
-
-        static size_t ContentLength(const std::string& head) {
-            std::string lower = head;
-            std::transform(lower.begin(), lower.end(), lower.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-            const size_t at = lower.find("\r\ncontent-length:");
-            if (at == std::string::npos) return 0;
-            size_t value = 0;
-            for (size_t i = at + 17; i < lower.size() && value < (1u << 20); ++i) {
-                if (lower[i] == ' ') continue;
-                if (lower[i] < '0' || lower[i] > '9') break;
-                value = value * 10 + static_cast<size_t>(lower[i] - '0');
-            }
-            return value;
-        }
-
         LoopbackServer& server_;
         int fd_;
     };
@@ -150,7 +112,6 @@ class LoopbackServer {
         sockaddr_in address{};
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        address.sin_port = 0;
         socklen_t length = sizeof address;
         if (listen_ < 0 || ::bind(listen_, reinterpret_cast<sockaddr*>(&address), length) != 0 ||
             ::listen(listen_, 8) != 0 ||
@@ -177,51 +138,11 @@ class LoopbackServer {
         std::lock_guard lock(mutex_);
         return requests_;
     }
-    int Connections() const { return connections_; }
 
-    // Reads the request, sends the answer (in pieces when pieceSize is not 0)
-    // and closes.
-    static Handler Answer(std::string answer, size_t pieceSize = 0, int pauseMs = 0) {
-        return [answer = std::move(answer), pieceSize, pauseMs](Connection& c) {
+    // Reads the request, sends the answer and closes.
+    static Handler Answer(std::string answer) {
+        return [answer = std::move(answer)](Connection& c) {
             c.ReadRequest();
-            c.SendInPieces(answer, pieceSize == 0 ? answer.size() + 1 : pieceSize, pauseMs);
-        };
-    }
-
-    // A forwarding proxy: takes "METHOD http://127.0.0.1:port/path HTTP/1.0",
-    // sends the request on in origin form and relays the whole answer. Any
-    // other host gets a 403 and no connection.
-    static Handler Proxy() {
-        return [](Connection& c) {
-            std::string request = c.ReadRequest();
-            const std::string prefix = "http://127.0.0.1:";
-            const size_t space = request.find(' ');
-            if (space == std::string::npos || request.compare(space + 1, prefix.size(), prefix)) {
-                c.Send("HTTP/1.0 403 Forbidden\r\n\r\n");
-                return;
-            }
-            const size_t portStart = space + 1 + prefix.size();
-            const size_t pathStart = request.find('/', portStart);
-            if (pathStart == std::string::npos) return;
-            const int port = std::atoi(request.substr(portStart, pathStart - portStart).c_str());
-            request.erase(space + 1, pathStart - space - 1);
-            const int fd = ConnectLoopback(port);
-            if (fd < 0) {
-                c.Send("HTTP/1.0 502 Bad Gateway\r\n\r\n");
-                return;
-            }
-            std::string answer;
-            Connection origin(*c.server(), fd);
-            if (origin.Send(request)) {
-                pollfd p{fd, POLLIN, 0};
-                char buffer[4096];
-                while (::poll(&p, 1, 5000) > 0) {
-                    const ssize_t n = ::recv(fd, buffer, sizeof buffer, 0);
-                    if (n <= 0) break;
-                    answer.append(buffer, static_cast<size_t>(n));
-                }
-            }
-            CloseSocket(fd);
             c.Send(answer);
         };
     }
@@ -247,15 +168,12 @@ class LoopbackServer {
     }
 
   private:
-    friend class Connection;
-
     void Serve() {
         while (!stop_) {
             pollfd p{listen_, POLLIN, 0};
             if (::poll(&p, 1, 10) <= 0) continue;
             const int fd = ::accept4(listen_, nullptr, nullptr, SOCK_CLOEXEC);
             if (fd < 0) continue;
-            ++connections_;
             SetTimeouts(fd, 5);
             if (handler_) {
                 Connection connection(*this, fd);
@@ -265,16 +183,10 @@ class LoopbackServer {
         }
     }
 
-    void Record(const std::string& request) {
-        std::lock_guard lock(mutex_);
-        requests_.push_back(request);
-    }
-
     Handler handler_;
     int listen_ = -1;
     int32_t port_ = 0;
     std::atomic<bool> stop_{false};
-    std::atomic<int> connections_{0};
     mutable std::mutex mutex_;
     std::vector<std::string> requests_;
     std::thread thread_;

@@ -10,7 +10,6 @@
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "cCliArgs.h"
@@ -20,8 +19,6 @@
 
 namespace toval::test {
 namespace {
-
-using Behaviour = FakeLyricService::Behaviour;
 
 void Write(const std::filesystem::path& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
@@ -86,50 +83,48 @@ TEST(ServiceCli, BadCommandLinesExitWithTwoAndSayWhy) {
 
 TEST(ServiceCli, PrintAndConvertReadAndWriteRealFiles) {
     TempDir dir;
-    Outcome o = Tool({"print", kSample});
+    Outcome o = Tool({"print", kSample, "--words"});
     EXPECT_EQ(o.code, kExitOk);
-    EXPECT_EQ(o.out.substr(0, o.out.find('\n')), "00:01.00  Lanterns on the harbour wall");
-
-    o = Tool({"print", kSample, "--words"});
     EXPECT_EQ(o.out.substr(0, o.out.find("Boats")),
               "00:01.00  Lanterns on the harbour wall\n          <00:01.00>Lanterns "
               "<00:01.70>on <00:01.95>the <00:02.20>harbour <00:03.00>wall\n00:04.20  ");
-
     Write(dir.path() / "mixed.lrc", "[ar:Me]\r\n[00:01.50][00:09.00]Hi\r\nno time\r\n");
-    o = Tool({"print", (dir.path() / "mixed.lrc").string()});
-    EXPECT_EQ(o.out, "00:01.50 00:09.00  Hi\n          no time\n");
+    EXPECT_EQ(Tool({"print", (dir.path() / "mixed.lrc").string()}).out,
+              "00:01.50 00:09.00  Hi\n          no time\n");
 
     // tvl -> lrc -> back: line times survive in hundredths, word times go.
     const std::string lrc = (dir.path() / "out.lrc").string();
     o = Tool({"convert", kSample, "--to", "lrc", "-o", lrc});
     EXPECT_EQ(o.code, kExitOk);
-    EXPECT_EQ(o.out, "");
     EXPECT_EQ(Read(lrc).substr(0, 39), "[00:01.00]Lanterns on the harbour wall\r");
-    o = Tool({"convert", lrc});
-    EXPECT_EQ(o.out.substr(0, 66),
+    EXPECT_EQ(Tool({"convert", lrc}).out.substr(0, 66),
               "[PROPERTY]\r\nMUTATION:-2147483648\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY][1000]");
-    o = Tool({"convert", kSample, "--to=text"});
-    EXPECT_EQ(o.out.substr(0, 30), "Lanterns on the harbour wall\r\n");
+    EXPECT_EQ(Tool({"convert", kSample, "--to=text"}).out.substr(0, 30),
+              "Lanterns on the harbour wall\r\n");
 
-    const Outcome missing = Tool({"print", (dir.path() / "none.tvl").string()});
-    EXPECT_EQ(missing.code, kExitFile);
-    EXPECT_NE(missing.err.find("no such file"), std::string::npos);
-    EXPECT_EQ(Tool({"print", dir.path().string()}).code, kExitFile);
-    const Outcome unwritable =
-        Tool({"convert", kSample, "-o", (dir.path() / "no" / "such" / "x.lrc").string()});
-    EXPECT_EQ(unwritable.code, kExitFile);
-    EXPECT_NE(unwritable.err.find("cannot write"), std::string::npos);
-
-    // What holds no lyric says so instead of printing nothing or garbage.
-    for (const auto& [bytes, code, reason] :
-         {std::tuple{std::string("ID3\x03\0\0\0", 7), kExitFile, "not a text file"},
-          std::tuple{std::string("[ar:Me]\n"), kExitNotFound, "only ID tags"},
-          std::tuple{std::string(), kExitNotFound, "the file is empty"}}) {
-        Write(dir.path() / "odd.lrc", bytes);
-        o = Tool({"print", (dir.path() / "odd.lrc").string()});
-        EXPECT_EQ(o.code, code);
+    // What cannot be read or written, or holds no lyric, says so.
+    Write(dir.path() / "id3.lrc", std::string("ID3\x03\0\0\0", 7));
+    Write(dir.path() / "tags.lrc", "[ar:Me]\n");
+    Write(dir.path() / "empty.lrc", "");
+    const struct {
+        std::vector<std::string> args;
+        int code;
+        const char* says;
+    } cases[] = {
+        {{"print", (dir.path() / "none.tvl").string()}, kExitFile, "no such file"},
+        {{"print", dir.path().string()}, kExitFile, ""},
+        {{"convert", kSample, "-o", (dir.path() / "no" / "x.lrc").string()},
+         kExitFile,
+         "cannot write"},
+        {{"print", (dir.path() / "id3.lrc").string()}, kExitFile, "not a text file"},
+        {{"print", (dir.path() / "tags.lrc").string()}, kExitNotFound, "only ID tags"},
+        {{"print", (dir.path() / "empty.lrc").string()}, kExitNotFound, "the file is empty"},
+    };
+    for (const auto& c : cases) {
+        o = Tool(c.args);
+        EXPECT_EQ(o.code, c.code) << c.says;
         EXPECT_EQ(o.out, "");
-        EXPECT_NE(o.err.find(reason), std::string::npos) << o.err;
+        EXPECT_NE(o.err.find(c.says), std::string::npos) << o.err;
     }
 }
 
@@ -138,82 +133,57 @@ TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
     FakeLyricService service;
     service.AddLyric("Ann", "Tide", "[500]from the service<br>[900]again");
     const std::string track = (dir.path() / "tide.flac").string();
-    const std::vector<std::string> tags = {"--artist", "Ann",     "--title",
-                                           "Tide",     "--cache", cache.path().string()};
-    auto args = [&](std::vector<std::string> head, std::vector<std::string> tail = {}) {
-        head.insert(head.end(), tags.begin(), tags.end());
-        head.insert(head.end(), tail.begin(), tail.end());
-        return head;
+    const std::string server = service.Host();
+    const auto lookup = [&](std::vector<std::string> tail) {
+        std::vector<std::string> args = {"lookup",  track,  "--artist", "Ann",
+                                         "--title", "Tide", "--cache",  cache.path().string()};
+        args.insert(args.end(), tail.begin(), tail.end());
+        return Tool(args);
     };
-    const std::string server = "127.0.0.1:" + std::to_string(service.Port());
-
-    Outcome o = Tool(args({"lookup", track}));
-    EXPECT_EQ(o.code, kExitNotFound);
+    EXPECT_EQ(lookup({}).code, kExitNotFound);
     EXPECT_TRUE(service.Requests().empty()) << "no --server, no service";
-
-    o = Tool(args({"lookup", track}, {"--server", server, "--format", "text"}));
+    Outcome o = lookup({"--server", server, "--format", "text"});
     EXPECT_EQ(o.code, kExitOk) << o.err;
     EXPECT_EQ(o.out, "from the service\r\nagain\r\n");
     EXPECT_FALSE(std::filesystem::exists(dir.path() / "tide.tvl"));
-
     // Kept in the cache: found again without the service.
-    o = Tool(args({"lookup", track}));
-    EXPECT_EQ(o.code, kExitOk);
-    EXPECT_EQ(o.out, "00:00.50  from the service\n00:00.90  again\n");
-
+    EXPECT_EQ(lookup({}).out, "00:00.50  from the service\n00:00.90  again\n");
     // A file beside the track comes first.
     Write(dir.path() / "tide.lrc", "[00:03.00]beside\r\n");
-    EXPECT_EQ(Tool(args({"lookup", track}, {"--format", "lrc"})).out,
+    EXPECT_EQ(lookup({"--format", "lrc"}).out,
               "[ar:Ann]\r\n[ti:Tide]\r\n[re:Toval]\r\n[ve:1.3.1]\r\n[00:03.00]beside\r\n");
-
     // --save-beside writes the service's lyric as a .tvl file.
-    const std::string other = (dir.path() / "wave.mp3").string();
     service.AddLyric("Ann", "Wave", "[1]wave");
-    o = Tool({"lookup", other, "--artist", "Ann", "--title", "Wave", "--cache",
-              cache.path().string(), "--server", server, "--save-beside"});
+    o = Tool({"lookup", (dir.path() / "wave.mp3").string(), "--artist", "Ann", "--title", "Wave",
+              "--cache", cache.path().string(), "--server", server, "--save-beside"});
     EXPECT_EQ(o.code, kExitOk);
     EXPECT_EQ(Read(dir.path() / "wave.tvl"), "[1]wave");
-
     // A file name that is not UTF-8 ends in a message, never in a crash.
     o = Tool({"lookup", (dir.path() / "\xff\xfe.mp3").string(), "--cache", cache.path().string()});
     EXPECT_TRUE(o.code == kExitNotFound || o.code == kExitFile) << o.code;
 
-    // What the service says, as exit codes.
-    const std::string none = (dir.path() / "none.mp3").string();
-    const struct {
-        Behaviour behaviour;
-        int code;
-        const char* says;
-    } cases[] = {
-        {Behaviour::kNormal, kExitNotFound, "no lyric for this track"},
-        {Behaviour::kSqlError, kExitService, "the service's database failed (':SQL_ERROR')"},
-        {Behaviour::kBrokenEnvelope, kExitService, "no <TOVAL> envelope"},
-        {Behaviour::kServerError, kExitService,
-         "the service answered 'HTTP/1.0 500 Internal Server Error'"},
-        {Behaviour::kMoved, kExitService, "moved to elsewhere.test"},
-    };
-    for (const auto& c : cases) {
-        service.setBehaviour(c.behaviour, "elsewhere.test");
-        o = Tool({"lookup", none, "--title", "Nothing", "--cache", cache.path().string(),
-                  "--server", server});
-        EXPECT_EQ(o.code, c.code) << c.says;
-        EXPECT_NE(o.err.find(c.says), std::string::npos) << o.err;
-    }
-    // Failures on the way say why.
-    service.setBehaviour(Behaviour::kEndless);
+    // What the service says and failures on the way, as exit codes and reasons.
     const std::string closed = "127.0.0.1:" + std::to_string(LoopbackServer::ClosedPort());
     const struct {
-        std::string server, timeout, says;
-    } failures[] = {
-        {server, "300", "the answer stopped for 0.3 s"},
-        {closed, "1000", "connection refused by " + closed},
-        {"lyrics.invalid", "1000", "cannot resolve lyrics.invalid"},
+        std::string answer, server, says;
+    } cases[] = {
+        {"", server, "no lyric for this track"},
+        {"<TOVAL>:SQL_ERROR</TOVAL>", server, "the service's database failed (':SQL_ERROR')"},
+        {"<TOVAL>:SUCCESS", server, "the service's answer holds no <TOVAL> envelope"},
+        {"HTTP/1.0 500 Internal Server Error\r\n\r\n", server,
+         "the service answered 'HTTP/1.0 500 Internal Server Error'"},
+        {"<TOVAL>:UPDATESERVER:elsewhere.test</TOVAL>", server, "moved to elsewhere.test"},
+        {FakeLyricService::kEndless, server, "the answer stopped for 0.3 s"},
+        {"", closed, "connection refused by " + closed},
+        {"", "lyrics.invalid", "cannot resolve lyrics.invalid"},
     };
-    for (const auto& f : failures) {
-        o = Tool({"lookup", none, "--cache", cache.path().string(), "--server", f.server,
-                  "--timeout", f.timeout});
-        EXPECT_EQ(o.code, kExitService);
-        EXPECT_EQ(o.err, "toval-lyric: " + f.says + "\n");
+    for (const auto& c : cases) {
+        service.setAnswer(c.answer);
+        o = Tool({"lookup", (dir.path() / "none.mp3").string(), "--title", "Nothing", "--cache",
+                  cache.path().string(), "--server", c.server, "--timeout",
+                  c.answer == FakeLyricService::kEndless ? "300" : "1000"});
+        EXPECT_EQ(o.code, c.answer.empty() && c.server == server ? kExitNotFound : kExitService);
+        EXPECT_NE(o.err.find(c.says), std::string::npos) << o.err;
     }
     // Without --duration the service is sent 0 seconds.
     EXPECT_EQ(service.Requests().back().Value("dur"), "0");
@@ -221,28 +191,17 @@ TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
 
 TEST(ServiceCli, SendReportsWhatTheServiceSaid) {
     FakeLyricService service;
-    const std::string server = "127.0.0.1:" + std::to_string(service.Port());
-    const std::vector<std::string> send = {"send",     kSample, "--server", server,
+    const std::vector<std::string> send = {"send",     kSample, "--server", service.Host(),
                                            "--artist", "Toval", "--title",  "Harbour"};
     Outcome o = Tool(send);
     EXPECT_EQ(o.code, kExitOk) << o.err;
-    FakeLyricService::Entry stored;
-    ASSERT_TRUE(service.Stored("Toval", "Harbour", stored));
+    const auto stored = service.Stored("Toval", "Harbour");
     EXPECT_EQ(stored.mutation, "1804289383");
     EXPECT_EQ(stored.lyric.substr(0, 11), "[PROPERTY]\r");
-
-    service.setBehaviour(Behaviour::kSqlConnectionError);
+    service.setAnswer("<TOVAL>:SQL_CONNECTION_ERROR</TOVAL>");
     o = Tool(send);
     EXPECT_EQ(o.code, kExitService);
     EXPECT_NE(o.err.find("database"), std::string::npos);
-    service.setBehaviour(Behaviour::kServerError);
-    EXPECT_EQ(Tool(send).code, kExitService);
-    // Nobody listening refused nothing.
-    std::vector<std::string> closed = send;
-    closed[3] = "127.0.0.1:" + std::to_string(LoopbackServer::ClosedPort());
-    o = Tool(closed);
-    EXPECT_EQ(o.code, kExitService);
-    EXPECT_EQ(o.err, "toval-lyric: connection refused by " + closed[3] + "\n");
 
     TempDir dir;
     Write(dir.path() / "empty.tvl", "");

@@ -24,42 +24,28 @@
 namespace toval::test {
 namespace {
 
-std::string Read(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
+std::u16string Host(const FakeLyricService& service) {
+    const std::string host = service.Host();
+    return std::u16string(host.begin(), host.end());
 }
 
-class ServiceLoopbackTest : public ::testing::Test {
-  protected:
-    ServiceLoopbackTest() {
-        globals.Settings.conn_Server = service.Host();
-        globals.PlaylistPosition = 1;
-        timer->setInterval(kInternetTimeout);
-        site.setSocket(std::make_shared<cPosixSocket>(loop));
-        site.setTime(timer);
-        site.onToval = [this](int32_t result, int32_t id) {
-            results.push_back(result);
-            ids.push_back(id);
-        };
-        track.setArtist(u"Ann \u00c9");
-        track.setTitle(u"Harbour & Lanterns");
-        track.setMiliDuration(18000);
-    }
-
-    bool await(size_t count) {
-        return loop.RunUntil([&] { return results.size() >= count; }, 8000);
-    }
-
+TEST(ServiceLoopback, SentLyricComesBackFromTheServiceAsItWasSent) {
     FakeLyricService service;
     cPosixLoop loop;
     cGlobals globals;
-    std::shared_ptr<cPosixTimer> timer = std::make_shared<cPosixTimer>(loop);
+    globals.Settings.conn_Server = Host(service);
+    globals.PlaylistPosition = 1;
     cTovalSite site{globals};
+    site.setSocket(std::make_shared<cPosixSocket>(loop));
+    site.setTime(std::make_shared<cPosixTimer>(loop));
+    std::vector<int32_t> results;
+    site.onToval = [&](int32_t result, int32_t) { results.push_back(result); };
+    const auto await = [&](size_t count) {
+        return loop.RunUntil([&] { return results.size() >= count; }, 8000);
+    };
     cMusic track;
-    std::vector<int32_t> results, ids;
-};
-
-TEST_F(ServiceLoopbackTest, SentLyricComesBackFromTheServiceAsItWasSent) {
+    track.setArtist(u"Ann \u00c9");
+    track.setTitle(u"Harbour & Lanterns");
     auto lyric = std::make_shared<cLyric>();
     lyric->setLoad(
         u"[PROPERTY]\r\nMUTATION:4242\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY]"
@@ -67,21 +53,8 @@ TEST_F(ServiceLoopbackTest, SentLyricComesBackFromTheServiceAsItWasSent) {
     site.Save(track, lyric, 7);
     ASSERT_TRUE(await(1));
     EXPECT_EQ(results[0], cTovalSite::kSuccess);
-    EXPECT_EQ(ids[0], 7);
-
-    const auto requests = service.Requests();
-    ASSERT_EQ(requests.size(), 1u);
-    EXPECT_EQ(requests[0].method, "POST");
-    EXPECT_EQ(requests[0].script, "/website/tvl_insert.php");
-    EXPECT_EQ(requests[0].Keys(), (std::vector<std::string>{"art", "alb", "tit", "dur", "siz",
-                                                            "mut", "vrs", "tvl", "add"}));
-    EXPECT_EQ(requests[0].Value("art"), "Ann \xC3\x89");
-    EXPECT_EQ(requests[0].Value("tit"), "Harbour & Lanterns");
-    EXPECT_EQ(requests[0].Value("dur"), "18");
-    EXPECT_EQ(requests[0].Value("mut"), "4242");
-    EXPECT_EQ(requests[0].Value("vrs"), "1030001");
-    FakeLyricService::Entry stored;
-    ASSERT_TRUE(service.Stored("Ann \xC3\x89", "Harbour & Lanterns", stored));
+    const auto stored = service.Stored("Ann \xC3\x89", "Harbour & Lanterns");
+    EXPECT_EQ(stored.mutation, "4242");
     EXPECT_EQ(stored.lyric,
               "[PROPERTY]\r\nMUTATION:4242\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY]"
               "[1000]<1000>Caf\xC3\xA9 <1500>& <1800>\xE4\xB8\xAD\r\n[]\r\n[3000]last\r\n");
@@ -97,17 +70,15 @@ TEST_F(ServiceLoopbackTest, SentLyricComesBackFromTheServiceAsItWasSent) {
     site.Load(track, 9, 4242);
     ASSERT_TRUE(await(3));
     EXPECT_EQ(results[2], cTovalSite::kNoUpdates);
-    EXPECT_EQ(service.Requests()[2].Keys(),
-              (std::vector<std::string>{"art", "alb", "tit", "dur", "siz", "mut", "vrs", "get"}));
 }
 
-TEST(ServiceLookupLoopback, TrackWithoutLyricGetsOneFromTheServiceAndKeepsIt) {
+TEST(ServiceLoopback, TrackWithoutLyricGetsOneFromTheServiceAndKeepsIt) {
     FakeLyricService service;
     service.AddLyric("Ann", "Tide", "[500]from the service\r\n", "77");
     TempDir music, cache;
     cPosixLoop loop;
     cGlobals globals;
-    globals.Settings.conn_Server = service.Host();
+    globals.Settings.conn_Server = Host(service);
     globals.Settings.cache_simple = false;
     globals.PlaylistPosition = 9;
     FakeRandom random;
@@ -120,23 +91,20 @@ TEST(ServiceLookupLoopback, TrackWithoutLyricGetsOneFromTheServiceAndKeepsIt) {
     track->setFileAddress(music.file(u"tide.ogg"));
     lookup.setMusic(track);
     std::vector<int32_t> statuses;
-    lookup.onLoaded = [&](int32_t id, int32_t status) {
-        EXPECT_EQ(id, 9);
-        statuses.push_back(status);
-    };
+    lookup.onLoaded = [&](int32_t, int32_t status) { statuses.push_back(status); };
 
     lookup.Load(9);
     EXPECT_EQ(statuses, std::vector<int32_t>{4});
     EXPECT_EQ(lookup.Lyric(), u"Ann - Tide\r\n\r\n");
     ASSERT_TRUE(loop.RunUntil([&] { return statuses.size() == 2; }, 8000));
     EXPECT_EQ(statuses[1], 2);
-    EXPECT_EQ(Read(music.path() / "tide.tvl"), "[500]from the service\r\n");
+    std::ifstream in(music.path() / "tide.tvl", std::ios::binary);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "[500]from the service\r\n");
 
     // Next time the file beside the track answers; the service is asked again
     // only for something newer than the lyric at hand.
     lookup.Load(9);
     EXPECT_EQ(statuses.back(), 1);
-    EXPECT_EQ(service.Requests().size(), 1u);
     lookup.LoadFrom(2, 9, 77);
     loop.RunUntil([&] { return service.Requests().size() == 2; }, 8000);
     loop.RunUntil([] { return false; }, 200);

@@ -11,6 +11,8 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <tuple>
+#include <vector>
 
 #include "cCliMain.h"
 #include "fakes/TempDir.h"
@@ -127,28 +129,24 @@ TEST(TagReader, LookupTakesTheTrackTagsAndTheOptionsWin) {
     TempDir dir, cache;
     FakeLyricService service;
     service.AddLyric("Toval Samples", "Harbour Lanterns", "[500]from the service");
+    service.AddLyric("Other", "Harbour Lanterns", "[500]another");
     // The sample track alone, without its lyric beside it.
     const std::string track = (dir.path() / "harbour.flac").string();
     std::filesystem::copy_file(kSamples + "harbour.flac", track);
-    const auto lookup = [&](std::vector<std::string> extra) {
-        std::vector<std::string> args = {"lookup",   track,
-                                         "--format", "lrc",
-                                         "--server", "127.0.0.1:" + std::to_string(service.Port()),
-                                         "--cache",  cache.path().string()};
+    for (const auto& [extra, head, dur] :
+         {std::tuple{std::vector<std::string>{}, "[al:Toval Samples]\r\n[ar:Toval Samples]\r\n",
+                     "19"},
+          {{"--artist", "Other", "--album=", "--duration", "7"}, "[ar:Other]\r\n", "7"}}) {
+        std::vector<std::string> args = {
+            "lookup",   track,          "--format", "lrc",
+            "--server", service.Host(), "--cache",  cache.path().string()};
         args.insert(args.end(), extra.begin(), extra.end());
         std::ostringstream out, err;
         EXPECT_EQ(cCliMain(out, err).Run(args), kExitOk) << err.str();
-        const std::string text = out.str();
-        return text.substr(0, text.find("[re:"));
-    };
-    EXPECT_EQ(lookup({}), "[al:Toval Samples]\r\n[ar:Toval Samples]\r\n[ti:Harbour Lanterns]\r\n");
-    ASSERT_EQ(service.Requests().size(), 1u);
-    EXPECT_EQ(service.Requests()[0].Value("dur"), "19");
-    service.AddLyric("Other", "Harbour Lanterns", "[500]another");
-    EXPECT_EQ(lookup({"--artist", "Other", "--album=", "--duration", "7"}),
-              "[ar:Other]\r\n[ti:Harbour Lanterns]\r\n");
-    ASSERT_EQ(service.Requests().size(), 2u);
-    EXPECT_EQ(service.Requests()[1].Value("dur"), "7");
+        EXPECT_EQ(out.str().substr(0, out.str().find("[re:")),
+                  std::string(head) + "[ti:Harbour Lanterns]\r\n");
+        EXPECT_EQ(service.Requests().back().Value("dur"), dur);
+    }
 }
 
 }  // namespace

