@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Builds toval-lyric and shows it at work on the sample track and its lyric.
-# With arguments, runs the tool with them instead, in the caller's folder
-# (scripts/run.sh --help). What the script itself says goes to standard error,
-# so that the tool's output can be piped or redirected as it is.
+# Without arguments: runs Toval, the desktop program, beside mpv playing the
+# sample track (scripts/run-desktop.sh), after toval-lyric has shown the
+# sample's lyric. With arguments: runs toval-lyric with them, in the caller's
+# folder (scripts/run.sh --help). What the script itself says goes to standard
+# error, so that the tool's output can be piped or redirected as it is.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 say() { echo "run.sh: $*" >&2; }
@@ -62,4 +63,5 @@ echo "== lookup samples/harbour.flac: artist, album and title from the track's o
 echo "   tags, the lyric from samples/harbour.tvl beside it, written as LRC"
 "$tool" lookup samples/harbour.flac --cache build/default/lyric-cache --format lrc
 echo
-echo "More: $0 --help"
+say "now the desktop program: mpv plays samples/harbour.flac and Toval shows its lyric"
+exec "$root/scripts/run-desktop.sh"

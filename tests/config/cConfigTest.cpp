@@ -252,7 +252,6 @@ TEST_F(cConfigTest, WithoutASpecialFolderTheProgramFolderHoldsTheFile) {
 }
 
 TEST_F(cConfigTest, TheSettingsDialogEditsTheSettingsGroupByName) {
-    PutLanguage("heil.ini", "[info]\r\nalignment=1\r\n");
     cConfig config(globals, shell, ini);
     config.Load(false);
     const auto names = cConfig::SettingsGroup();
