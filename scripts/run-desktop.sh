@@ -8,9 +8,16 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
 
+say() { echo "run-desktop.sh: $*" >&2; }
 scripts/deps.sh
-cmake --preset default >/dev/null
-cmake --build --preset default --target toval >/dev/null
+log=$root/build/run-desktop-build.log
+mkdir -p "$root/build"
+say "building toval, the desktop program (a first run takes a few minutes; output in $log)"
+if ! { cmake --preset default && cmake --build --preset default --target toval; } >"$log" 2>&1; then
+    tail -n 40 "$log" >&2
+    say "the build failed; the end of its output is above"
+    exit 1
+fi
 toval=$root/build/default/app/qt/toval
 out=$root/build/desktop
 mkdir -p "$out"

@@ -16,14 +16,20 @@ std::string cNetError::Seconds(int64_t ms) {
     const bool negative = ms < 0;
     // Magnitude as unsigned, so that the smallest value needs no negation.
     const uint64_t magnitude = negative ? 0 - static_cast<uint64_t>(ms) : static_cast<uint64_t>(ms);
-    std::string text = (negative ? "-" : "") + std::to_string(magnitude / 1000);
+    // Appended piece by piece: GCC 12 for 32-bit targets warns falsely about
+    // `const char* + std::string` here.
+    std::string text;
+    if (negative) text.push_back('-');
+    text.append(std::to_string(magnitude / 1000));
     if (const uint64_t rest = magnitude % 1000; rest != 0) {
         std::string fraction = std::to_string(1000 + rest).substr(1);
         while (fraction.back() == '0')
             fraction.pop_back();
-        text += "." + fraction;
+        text.push_back('.');
+        text.append(fraction);
     }
-    return text + " s";
+    text.append(" s");
+    return text;
 }
 
 }  // namespace toval

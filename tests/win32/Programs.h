@@ -78,8 +78,9 @@ class Process {
             const wchar_t* title;
             HWND found;
         } search{info_.dwProcessId, className, title, nullptr};
-        EnumWindows(
-            [](HWND hwnd, LPARAM param) -> BOOL {
+        // A named callback: a lambda has no stdcall conversion on 32-bit Windows.
+        struct Visit {
+            static BOOL CALLBACK Each(HWND hwnd, LPARAM param) {
                 auto* s = reinterpret_cast<Search*>(param);
                 DWORD pid = 0;
                 GetWindowThreadProcessId(hwnd, &pid);
@@ -95,8 +96,9 @@ class Process {
                 }
                 s->found = hwnd;
                 return FALSE;
-            },
-            reinterpret_cast<LPARAM>(&search));
+            }
+        };
+        EnumWindows(&Visit::Each, reinterpret_cast<LPARAM>(&search));
         return search.found;
     }
 
