@@ -12,11 +12,11 @@ packages=(
     # toval-lyric reads audio tags; its tests make audio files to read
     libtag1-dev sox libsox-fmt-base libsox-fmt-mp3 flac
     # the lyric service
-    libcpp-httplib-dev libpqxx-dev libtag1-dev postgresql pkg-config
+    libcpp-httplib-dev libpqxx-dev postgresql pkg-config
     # the Linux desktop program, its demo and its tests on a virtual display
-    qt6-base-dev mpv mpv-mpris xvfb xauth x11-apps x11-utils imagemagick dbus dbus-x11 flac sox
-    # The Windows program under Wine on a virtual display, its screenshots, its release archive.
-    xvfb xauth x11-apps imagemagick zip
+    qt6-base-dev mpv mpv-mpris xvfb xauth x11-apps x11-utils imagemagick dbus dbus-x11
+    # the Windows program's release archive
+    zip
 )
 missing=()
 for p in "${packages[@]}"; do
