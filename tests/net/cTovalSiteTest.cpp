@@ -174,7 +174,10 @@ TEST(cTovalSiteAnswer, SortsEnvelopeBodiesIntoResultCodesAndSaysWhyOnFailure) {
         {"<TOVAL>:UPDATESERVER:</TOVAL>",
          cTovalSite::kFailure,
          {C::kService, said + "':UPDATESERVER:'"}},
-        {"<TOVAL>:\x1b\n</TOVAL>", cTovalSite::kFailure, {C::kService, said + "':?" "?'"}},
+        {"<TOVAL>:\x1b\n</TOVAL>",
+         cTovalSite::kFailure,
+         {C::kService, said + "':?"
+                              "?'"}},
         {"", cTovalSite::kFailure, {C::kBadAnswer, none}},
         {"<TOVAL></TOVAL>", cTovalSite::kFailure, {C::kBadAnswer, "the service's answer is empty"}},
         {"<TOVAL>:SUCCESS", cTovalSite::kFailure, {C::kBadAnswer, none}},
