@@ -6,10 +6,12 @@
 #include <QMessageBox>
 #include <QPainter>
 #include <QPixmap>
+#include <QTimer>
 #include <chrono>
 
 #include "base/cErrorLog.h"
 #include "base/mString.h"
+#include "cEditorWindow.h"
 #include "cQtSocket.h"
 #include "cSettingsDialog.h"
 #include "config/cConfig.h"
@@ -17,6 +19,7 @@
 #include "core/cEventStream.h"
 #include "core/cLyricFile.h"
 #include "core/cMainLogic.h"
+#include "core/cPlugin.h"
 #include "display/cDisplay.h"
 
 namespace toval {
@@ -87,6 +90,7 @@ cQtProgram::cQtProgram(Options options)
     };
     logic_->onUpdateMenus = [this] { UpdateMenus(); };
     logic_->onUnloadForms = [this] {
+        editor_.reset();
         window_.Detach();
         window_.hide();
         tray_.hide();
@@ -100,6 +104,7 @@ cQtProgram::cQtProgram(Options options)
 }
 
 cQtProgram::~cQtProgram() {
+    editor_.reset();
     window_.Detach();
     logic_->Teardown();
     logic_.reset();
@@ -114,33 +119,75 @@ QString cQtProgram::Caption(const char16_t* key, const QString& fallback) const 
 
 void cQtProgram::BuildMenu() {
     menu_.clear();
-    modeWindow_ = menu_.addAction(Caption(u".fMain.mnuWindow.caption", tr("&Window")));
-    modeDocked_ = menu_.addAction(Caption(u".fMain.mnuTray.caption", tr("&Docked strip")));
+    const auto add = [this](const char16_t* control, const QString& english, auto click) {
+        QAction* action = menu_.addAction(
+            Caption((u".fMain." + std::u16string(control) + u".caption").c_str(), english));
+        connect(action, &QAction::triggered, this, click);
+        return action;
+    };
+    modeWindow_ =
+        add(u"mnuWindowMode", tr("&Window mode"), [this] { logic_->setDisplayMode(kModeWindow); });
+    modeDocked_ =
+        add(u"mnuTrayMode", tr("&Task-bar mode"), [this] { logic_->setDisplayMode(kModeTray); });
     modeWindow_->setCheckable(true);
     modeDocked_->setCheckable(true);
-    connect(modeWindow_, &QAction::triggered, this,
-            [this] { logic_->setDisplayMode(kModeWindow); });
-    connect(modeDocked_, &QAction::triggered, this, [this] { logic_->setDisplayMode(kModeTray); });
     menu_.addSeparator();
-    connect(menu_.addAction(Caption(u".fMain.mnuSettings.caption", tr("&Settings..."))),
-            &QAction::triggered, this, [this] {
-                cSettingsDialog dialog(globals_, languageFolder_);
-                if (dialog.exec() == QDialog::Accepted)
-                    ApplySettings(dialog.Edited(), dialog.LanguageFile());
-            });
-    connect(menu_.addAction(Caption(u".fMain.mnuAbout.caption", tr("&About Toval"))),
-            &QAction::triggered, this, [this] {
-                QMessageBox::about(
-                    nullptr, tr("About Toval"),
-                    tr("<b>Toval %1</b><p>Shows the lyric of the playing track and "
-                       "highlights, word by word, what is being sung.</p>"
-                       "<p>Following: %2</p>")
-                        .arg(QStringLiteral("1.3.1"),
-                             bridge_.Followed().isEmpty() ? tr("no player") : bridge_.Followed()));
-            });
+    add(u"mnuEdit", tr("Lyric &editor..."), [this] { OpenEditor(); });
+    add(u"mnuSettings", tr("&Settings..."), [this] {
+        cSettingsDialog dialog(globals_, languageFolder_);
+        if (dialog.exec() == QDialog::Accepted)
+            ApplySettings(dialog.Edited(), dialog.LanguageFile());
+    });
+    add(u"mnuClearCache", tr("&Clear cache"), [this] {
+        if (const auto core = logic_->Core()) core->ClearCache();
+    });
+    add(u"mnuAbout", tr("&About Toval..."), [this] {
+        QMessageBox::about(
+            nullptr, tr("About Toval"),
+            tr("<b>Toval %1</b><p>Shows the lyric of the playing track and "
+               "highlights, word by word, what is being sung.</p>"
+               "<p>Following: %2</p>")
+                .arg(QStringLiteral("1.3.1"),
+                     bridge_.Followed().isEmpty() ? tr("no player") : bridge_.Followed()));
+    });
     menu_.addSeparator();
-    connect(menu_.addAction(Caption(u".fMain.mnuExit.caption", tr("E&xit"))), &QAction::triggered,
-            this, [this] { logic_->closeProgram(); });
+    add(u"mnuExit", tr("E&xit"), [this] { logic_->closeProgram(); });
+}
+
+void cQtProgram::OpenEditor() {
+    const auto plugin = logic_->Plugin();
+    const auto music = plugin ? plugin->Music() : nullptr;
+    if (!music || !music->IsValid()) {
+        shell_.ShowMessage(logic_->Text(u"InvalidMusicTAG"), logic_->Text(u"AttentionTitle"),
+                           kMbIconExclamation);
+        return;
+    }
+    if (editor_) {
+        editor_->raise();
+        editor_->activateWindow();
+        return;
+    }
+    cConfig* config = logic_->Config();
+    Random* random = logic_->RandomSource();
+    if (!config || !random) return;
+    editor_ = std::make_unique<cEditorWindow>(cEditorWindow::Links{
+        globals_, *random, shell_,
+        [config](std::u16string_view key) { return config->Language().GetValue(u"objects", key); },
+        [this](std::u16string_view key) { return logic_->Text(key); },
+        // The bridge knows where the player is between the core's polls.
+        [this] { globals_.PlayPosition = bridge_.Position().At(bridge_.Now()); }});
+    cEditor& editor = editor_->Editor();
+    editor.setConfig(config);
+    // A saved lyric beside the track is shown at once.
+    editor.onSaved = [this](const std::u16string&) {
+        if (const auto core = logic_->Core()) core->Reset();
+    };
+    editor.onClosed = [this] {
+        // Dropped once its own close event has returned.
+        QTimer::singleShot(0, this, [this] { editor_.reset(); });
+    };
+    editor.Form_Load(*music);
+    editor_->show();
 }
 
 void cQtProgram::ApplySettings(const cSettings& settings, const std::u16string& languageFile) {

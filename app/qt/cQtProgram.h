@@ -20,6 +20,7 @@
 
 namespace toval {
 
+class cEditorWindow;
 class cMainLogic;
 
 class cQtProgram final : public QObject {
@@ -37,6 +38,9 @@ class cQtProgram final : public QObject {
     bool Start();
 
     cDisplayWindow& Window() { return window_; }
+    // The lyric editor on the playing track ("InvalidMusicTAG" without a valid one).
+    void OpenEditor();
+    cEditorWindow* Editor() const { return editor_.get(); }
     cMprisBridge& Bridge() { return bridge_; }
     cMainLogic& Logic() { return *logic_; }
     cGlobals& Globals() { return globals_; }
@@ -61,6 +65,7 @@ class cQtProgram final : public QObject {
     cMprisBridge bridge_;
     cDisplayWindow window_;
     std::unique_ptr<cMainLogic> logic_;
+    std::unique_ptr<cEditorWindow> editor_;
     QSystemTrayIcon tray_;
     QMenu menu_;
     QAction* modeWindow_ = nullptr;

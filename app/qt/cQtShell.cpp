@@ -11,6 +11,8 @@
 #include <QThread>
 #include <QUrl>
 
+#include "editor/iEditorView.h"
+
 namespace toval {
 
 namespace {
@@ -64,6 +66,9 @@ int32_t cQtShell::ShowMessage(const std::u16string& text, const std::u16string& 
             break;
         case kMbYesNo:
             box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+            break;
+        case kMbYesNoCancel:
+            box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
             break;
         default:
             box.setStandardButtons(QMessageBox::Ok);

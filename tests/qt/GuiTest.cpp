@@ -2,10 +2,12 @@
 // (tests/qt/with-desktop.sh), with a real mpv speaking MPRIS: it finds the
 // lyric beside the track, shows it, and the highlight follows a seek back, a
 // pause and a change of track; no player, a player that quits and another
-// that appears, a player that sends garbage.
+// that appears, a player that sends garbage; the editor times the playing
+// track with the arrow keys and saves the lyric beside it.
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusInterface>
@@ -14,18 +16,29 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileDialog>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QPlainTextEdit>
 #include <QProcess>
+#include <QPushButton>
 #include <QScreen>
 #include <QStandardPaths>
 #include <QTimer>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 
+#include "base/mFile.h"
+#include "cEditorWindow.h"
 #include "cQtProgram.h"
 #include "cSettingsDialog.h"
 #include "core/cMainLogic.h"
+#include "core/cPlugin.h"
 #include "display/cDisplay.h"
+#include "editor/cEditAdvTime.h"
 #include "fakes/TempDir.h"
 #include "lyric/cLyric.h"
 #include "lyric/cLyricLine.h"
@@ -47,6 +60,21 @@ bool WaitFor(const std::function<bool()>& done, int ms) {
 
 void Pump(int ms) {
     WaitFor([] { return false; }, ms);
+}
+
+// Saves a picture of a window under build/ for a look.
+void Grab(QWidget* widget, const char* name) {
+    const QString folder = QStringLiteral(TOVAL_BUILD_DIR "/qt-screenshots");
+    QDir().mkpath(folder);
+    if (widget) widget->grab().save(folder + "/" + name + ".png");
+}
+
+// Acts on the modal dialog or the pop-up menu that the next call opens.
+void OnModal(std::function<void(QWidget*)> act) {
+    QTimer::singleShot(400, [act] {
+        QWidget* w = QApplication::activePopupWidget();
+        act(w ? w : QApplication::activeModalWidget());
+    });
 }
 
 bool Have(const char* program) {
@@ -181,6 +209,11 @@ class GuiTest : public ::testing::Test {
         const auto line = lyric ? lyric->GetLine(0) : nullptr;
         return line ? line->Text() : std::u16string();
     }
+    // The player's tags have arrived (they come a moment after the track).
+    bool Tagged() {
+        const auto plugin = program_->Logic().Plugin();
+        return plugin && plugin->Music() && plugin->Music()->IsValid();
+    }
     int32_t Line() { return Display() ? Display()->CurrentLine() : kUnset; }
     int32_t Word() { return Display() ? Display()->CurrentWord() : kUnset; }
     // The screen around the display window, kept under build/ for a look.
@@ -279,27 +312,125 @@ TEST_F(GuiTest, APlayerThatQuitsOrSendsGarbageLeavesTovalWaitingForTheNext) {
         << QString::fromStdU16String(FirstLine()).toStdString();
 }
 
-TEST_F(HebrewGuiTest, MessagesComeInHebrewMirrored) {
-    const std::u16string title = program_->Logic().Text(u"AttentionTitle");
-    const std::u16string text = program_->Logic().Text(u"InvalidMusicTAG");
-    ASSERT_FALSE(text.empty());
-    EXPECT_NE(text.find_first_of(
-                  u"\u05D0\u05D1\u05D2\u05D3\u05D4\u05D5\u05D9\u05DC\u05DE\u05E8\u05E9\u05EA"),
-              std::u16string::npos);
-    cQtShell shell(u"");
-    shell.setRightToLeft(true);
+TEST_F(GuiTest, EditorTimesThePlayingTrackWithTheArrowKeysAndSavesTheLyricBesideIt) {
+    Mpv mpv({Track("a.flac")});
+    ASSERT_TRUE(WaitFor([&] { return Tagged() && !FirstLine().empty(); }, 10000));
+    program_->OpenEditor();
+    cEditorWindow* window = program_->Editor();
+    ASSERT_NE(window, nullptr);
+    cEditor& editor = window->Editor();
+    const auto click = [&](const char* name) { window->findChild<QPushButton*>(name)->click(); };
+    window->findChild<QPlainTextEdit*>("txtEdit")->setPlainText("Lamps on the quay\nand the tide");
+    Pump(200);
+    Grab(window, "editor-text");
+
+    // Step 2 opens with the timing help.
+    OnModal([](QWidget* help) {
+        Grab(help, "editor-help");
+        if (help) help->close();
+    });
+    click("cmdNext");
+    ASSERT_EQ(editor.Step(), 2);
+    const int32_t start = program_->Bridge().Position().At(program_->Bridge().Now());
+    // Line 0, its four words, line 1, its three words; one press every 150 ms.
+    for (const Qt::Key key :
+         {Qt::Key_Right, Qt::Key_Right, Qt::Key_Right, Qt::Key_Right, Qt::Key_Right, Qt::Key_Down,
+          Qt::Key_Right, Qt::Key_Right, Qt::Key_Right, Qt::Key_Left}) {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(&window->Picture(), &press);
+        Pump(150);
+    }
+    const int32_t end = program_->Bridge().Position().At(program_->Bridge().Now());
+    EXPECT_EQ(std::pair(editor.curLine(), editor.curWord()), std::pair(1, 4));
+    Grab(window, "editor-timing");
+
+    // A right click on a stamped word lists its time.
+    const QRect word = window->Picture().Box(0, 2);
+    QStringList listed;
+    OnModal([&](QWidget* menu) {
+        Grab(menu, "editor-menu");
+        for (QAction* action : menu ? menu->actions() : QList<QAction*>())
+            if (action->menu())
+                for (QAction* time : action->menu()->actions())
+                    listed << time->text();
+        if (menu) menu->close();
+    });
+    QMouseEvent right(QEvent::MouseButtonPress, word.center(),
+                      window->Picture().mapToGlobal(word.center()), Qt::RightButton,
+                      Qt::RightButton, Qt::NoModifier);
+    QApplication::sendEvent(&window->Picture(), &right);
+    EXPECT_EQ(listed.size(), 2);
+    cEditAdvTime adv;
+    OnModal([](QWidget* dialog) {
+        Grab(dialog, "editor-advanced");
+        if (dialog) dialog->close();
+    });
+    EXPECT_FALSE(window->OpenAdvTime(adv));
+
+    click("cmdNext");
+    Pump(1000);
+    Grab(window, "editor-preview");
+
+    fs::remove(home_.path() / "a.tvl");
+    OnModal([&](QWidget* dialog) {
+        auto* files = qobject_cast<QFileDialog*>(dialog);
+        if (files) static_cast<QDialog*>(files)->accept();  // offers the track's own lyric file
+    });
+    click("cmdSave");
+    // The saved lyric replaces the shown one; its times follow one another
+    // within the span that was played while they were stamped.
+    EXPECT_TRUE(WaitFor([&] { return FirstLine() == u"Lamps on the quay"; }, 5000));
+    cLyric saved;
+    saved.setLoad(FileRead(Track("a.tvl").toStdU16String()));
+    std::vector<int32_t> times;
+    for (int32_t i = 0; i < saved.GetLineSize(); ++i) {
+        const auto line = saved.GetLine(i);
+        for (int32_t t = 0; t < line->GetTimeSize(); ++t)
+            times.push_back(line->GetTime(t)->Time());
+        for (int32_t w = 0; w < line->GetWordSize(); ++w)
+            for (int32_t t = 0; t < line->GetWord(w)->GetTimeSize(); ++t)
+                times.push_back(line->GetWord(w)->GetTime(t)->Time());
+    }
+    ASSERT_EQ(times.size(), 9u);
+    EXPECT_TRUE(std::is_sorted(times.begin(), times.end()));
+    EXPECT_GE(times.front(), start);
+    EXPECT_LE(times.back(), end);
+    window->close();
+    EXPECT_TRUE(WaitFor([&] { return program_->Editor() == nullptr; }, 2000));
+}
+
+TEST_F(HebrewGuiTest, TheEditorRefusesAnUntaggedTrackInHebrewAndMirrorsItsWindow) {
+    // No player: the editor is refused with the Hebrew message, mirrored.
+    QString text;
     Qt::LayoutDirection direction = Qt::LeftToRight;
-    QTimer::singleShot(500, [&] {
-        QWidget* box = QApplication::activeModalWidget();
+    OnModal([&](QWidget* box) {
         if (!box) return;
+        text = box->findChild<QLabel*>("qt_msgbox_label")->text();
         direction = box->layoutDirection();
-        const QString folder = QStringLiteral(TOVAL_BUILD_DIR "/qt-screenshots");
-        QDir().mkpath(folder);
-        box->grab().save(folder + "/hebrew-message.png");
+        Grab(box, "hebrew-message");
         box->close();
     });
-    shell.ShowMessage(text, title, kMbIconExclamation);
+    program_->OpenEditor();
+    EXPECT_EQ(program_->Editor(), nullptr);
+    EXPECT_EQ(text.toStdU16String(), program_->Logic().Text(u"InvalidMusicTAG"));
+    EXPECT_TRUE(text.contains(QChar(0x05D4)));
     EXPECT_EQ(direction, Qt::RightToLeft);
+
+    Mpv mpv({Track("a.flac")});
+    ASSERT_TRUE(WaitFor([&] { return Tagged() && !FirstLine().empty(); }, 10000));
+    program_->OpenEditor();
+    ASSERT_NE(program_->Editor(), nullptr);
+    EXPECT_EQ(program_->Editor()->layoutDirection(), Qt::RightToLeft);
+    program_->Editor()->findChild<QPlainTextEdit*>("txtEdit")->setPlainText(
+        QString::fromUtf16(u"\u05E9\u05DC\u05D5\u05DD \u05E2\u05D5\u05DC\u05DD"));
+    program_->Editor()->findChild<QCheckBox*>("chkRighttoleft")->click();
+    OnModal([](QWidget* help) {
+        Grab(help, "hebrew-help");
+        if (help) help->close();
+    });
+    program_->Editor()->findChild<QPushButton*>("cmdNext")->click();
+    Pump(200);
+    Grab(program_->Editor(), "hebrew-editor");
 }
 
 }  // namespace
