@@ -524,7 +524,7 @@ void cEditorWindow::ShowEditInfo(const std::u16string& text) {
     box.setWindowTitle(Caption(u".fEditInfo", "How to time a lyric"));
     // The language's fuller help, else the editor's own sentence.
     const std::u16string help = links_.texts ? links_.texts(u"TovalEditHelp") : std::u16string();
-    auto* label = new QLabel(QtText(help.empty() ? text : help), &box);
+    auto* label = new QLabel(QtText(help.empty() ? text : help).remove(QLatin1Char('\r')), &box);
     label->setWordWrap(true);
     label->setMinimumWidth(360);
     auto* keys = new QLabel(&box);
