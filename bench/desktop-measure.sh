@@ -6,6 +6,7 @@
 # peer: its first window), and how late Toval's highlight comes after each
 # word's time (its trace: TOVAL_TRACE). Not a test: it prints figures.
 #   bench/desktop-measure.sh [SECONDS]    (default 60 s of playback each)
+#   TOVAL_PEER=0 measures Toval alone.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
@@ -99,11 +100,13 @@ late=$(awk '{split($5,p,"="); split($6,e,"="); if (e[2] > 0 && $3 != "word=-2147
 
 # --- the peer, where it can be installed
 peer="not installed"
-if ! command -v osdlyrics >/dev/null; then
+if [ "${TOVAL_PEER:-1}" = 0 ]; then
+    peer="not measured (TOVAL_PEER=0)"
+elif ! command -v osdlyrics >/dev/null; then
     sudo=""; [ "$(id -u)" = 0 ] || sudo="sudo"
     DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends osdlyrics >/dev/null 2>&1 || true
 fi
-if command -v osdlyrics >/dev/null; then
+if [ "${TOVAL_PEER:-1}" != 0 ] && command -v osdlyrics >/dev/null; then
     start_mpv
     sleep 2
     t0=$(now_ms)

@@ -33,7 +33,13 @@ cDisplayWindow::cDisplayWindow(cGlobals& globals, cQtPicture& picture)
     setWindowTitle(QStringLiteral("Toval"));
     glide_.setInterval(kGlideStepMs);
     connect(&glide_, &QTimer::timeout, this, &cDisplayWindow::Step);
-    picture_.onRefresh = [this] { update(); };
+    // A change of word repaints the two words, not the window.
+    picture_.onRefresh = [this](const QRect& drawn) {
+        if (drawn.isEmpty() || glide_.isActive())
+            update();
+        else
+            update(drawn.translated(PictureOrigin()).adjusted(-1, -1, 1, 1));
+    };
 }
 
 void cDisplayWindow::Attach(cDisplay& display) {
@@ -99,7 +105,9 @@ void cDisplayWindow::ScrollTo(const cRect& line) {
     lineTop_ = line.Top;
     lineBottom_ = line.Bottom;
     if (mode_ == kModeTray || !isVisible()) {
+        // The picture moves at once: all of the window is new.
         shownY_ = targetY_;
+        update();
         return;
     }
     glideClock_.start();
@@ -124,15 +132,20 @@ void cDisplayWindow::paintEvent(QPaintEvent*) {
     p.fillRect(rect(), background);
     const QImage& image = picture_.Image();
     if (!image.isNull()) {
-        const double x = std::round((width() - lyricWidth_) / 2.0);
-        const double y = std::round(this->height() / 2.0 - shownY_);
+        const QPoint at = PictureOrigin();
         p.setCompositionMode(QPainter::CompositionMode_SourceOver);
         // The strip shows the current line alone, never a slice of its neighbours.
         if (mode_ == kModeTray)
-            p.setClipRect(QRectF(0, y + lineTop_, width(), lineBottom_ - lineTop_));
-        p.drawImage(QPointF(x, y), image);
+            p.setClipRect(QRect(0, at.y() + lineTop_, width(), lineBottom_ - lineTop_),
+                          Qt::IntersectClip);
+        p.drawImage(at, image);
     }
     if (onPainted) onPainted();
+}
+
+QPoint cDisplayWindow::PictureOrigin() const {
+    return QPoint(static_cast<int>(std::round((width() - lyricWidth_) / 2.0)),
+                  static_cast<int>(std::round(height() / 2.0 - shownY_)));
 }
 
 Qt::Edges cDisplayWindow::EdgesAt(const QPoint& pos) const {

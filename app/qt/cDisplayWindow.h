@@ -47,6 +47,8 @@ class cDisplayWindow final : public QWidget {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
+    // Where the picture's top left corner is drawn in the window.
+    QPoint PictureOrigin() const;
     void ScrollTo(const cRect& line);
     void Step();
     void StoreGeometry();

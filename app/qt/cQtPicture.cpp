@@ -74,6 +74,7 @@ bool cQtPicture::Hold(const cRect& rect) {
 
 void cQtPicture::FillRectangle(const cRect& rect, cColor color) {
     if (rect.Right <= rect.Left || rect.Bottom <= rect.Top || !Hold(rect)) return;
+    Drawn(rect);
     QPainter p(&image_);
     // The background stays clear: the window lays its translucent colour under the picture.
     p.setCompositionMode(QPainter::CompositionMode_Source);
@@ -85,10 +86,12 @@ void cQtPicture::Blank(cColor color) {
     background_ = color;
     // A new lyric starts from an empty picture, sized by what it draws.
     image_ = QImage();
+    all_ = true;
 }
 
 void cQtPicture::PaintText(const std::u16string& text, const cRect& rect, int32_t /*flags*/) {
     if (rect.Right <= rect.Left || rect.Bottom <= rect.Top || !Hold(rect)) return;
+    Drawn(rect);
     QPainter p(&image_);
     p.setRenderHint(QPainter::TextAntialiasing);
     p.setFont(font_);
@@ -98,8 +101,15 @@ void cQtPicture::PaintText(const std::u16string& text, const cRect& rect, int32_
                Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, QtText(text));
 }
 
+void cQtPicture::Drawn(const cRect& rect) {
+    drawn_ |= QRect(rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top);
+}
+
 void cQtPicture::Refresh() {
-    if (auto handler = onRefresh) handler();
+    const QRect drawn = all_ ? QRect() : drawn_;
+    all_ = false;
+    drawn_ = QRect();
+    if (auto handler = onRefresh) handler(drawn);
 }
 
 cTextExtent cQtPicture::TextExtent(const std::u16string& text) {

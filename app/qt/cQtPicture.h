@@ -7,6 +7,7 @@
 
 #include <QFont>
 #include <QImage>
+#include <QRect>
 #include <functional>
 
 #include "platform/DrawSurface.h"
@@ -41,18 +42,23 @@ class cQtPicture final : public DrawSurface, public MeasureSurface {
 
     const QImage& Image() const { return image_; }
     cColor Background() const { return background_; }
-    // Raised by Refresh.
-    std::function<void()> onRefresh;
+    // Raised by Refresh with the part of the picture drawn since the last
+    // one (logical pixels); an empty rectangle: all of it.
+    std::function<void(const QRect& drawn)> onRefresh;
 
   private:
     // Makes the image hold rect (logical pixels); false when it cannot.
     bool Hold(const cRect& rect);
+    // Adds rect to what the next Refresh shows.
+    void Drawn(const cRect& rect);
 
     QFont font_;
     QImage image_;
     qreal ratio_ = 1.0;
     cColor background_ = 0;
     cColor text_ = 0;
+    QRect drawn_;
+    bool all_ = true;
 };
 
 }  // namespace toval

@@ -26,6 +26,9 @@ namespace toval {
 
 namespace {
 
+// The tray icon comes this long after the start.
+constexpr int kTrayDelayMs = 700;
+
 int64_t MonotonicMs() {
     return std::chrono::duration_cast<std::chrono::milliseconds>(
                std::chrono::steady_clock::now().time_since_epoch())
@@ -217,6 +220,13 @@ bool cQtProgram::Start() {
     if (!logic_->Form_Load(u"")) return false;
     BuildMenu();
     UpdateMenus();
+    // The tray icon waits until the first lyric has had its turn: it asks
+    // the desktop over D-Bus and draws an icon, which the lyric does not need.
+    QTimer::singleShot(kTrayDelayMs, this, [this] { ShowTray(); });
+    return true;
+}
+
+void cQtProgram::ShowTray() {
     tray_.setIcon(ProgramIcon());
     tray_.setToolTip(QStringLiteral("Toval"));
     tray_.setContextMenu(&menu_);
@@ -228,7 +238,6 @@ bool cQtProgram::Start() {
                 window_.raise();
             });
     if (QSystemTrayIcon::isSystemTrayAvailable()) tray_.show();
-    return true;
 }
 
 void cQtProgram::Trace() {

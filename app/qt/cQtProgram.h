@@ -50,6 +50,7 @@ class cQtProgram final : public QObject {
 
   private:
     void BuildMenu();
+    void ShowTray();
     void UpdateMenus();
     void Trace();
     QString Caption(const char16_t* key, const QString& fallback) const;

@@ -1,8 +1,12 @@
 #include "cQtShell.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QMessageBox>
@@ -94,13 +98,24 @@ void cQtShell::Sleep(int32_t ms) {
     if (ms > 0) QThread::msleep(static_cast<unsigned long>(ms));
 }
 
+cQtShell::~cQtShell() {
+    if (lock_ >= 0) ::close(lock_);
+}
+
 bool cQtShell::PrevInstance() {
-    // One lock per user: the runtime folder is the user's own.
+    // One lock per user: the runtime folder is the user's own. The kernel
+    // drops the lock when the process ends, however it ends, so a crashed
+    // instance leaves nothing stale behind and nothing is written to disk.
     QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
     if (folder.isEmpty()) folder = QDir::tempPath();
-    lock_ = std::make_unique<QLockFile>(folder + QStringLiteral("/toval.lock"));
-    lock_->setStaleLockTime(0);
-    return !lock_->tryLock(0);
+    if (lock_ >= 0) return false;
+    const QByteArray path = QFile::encodeName(folder + QStringLiteral("/toval.lock"));
+    lock_ = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    if (lock_ < 0) return false;  // no lock to be had: run rather than refuse
+    if (::flock(lock_, LOCK_EX | LOCK_NB) == 0) return false;
+    ::close(lock_);
+    lock_ = -1;
+    return true;
 }
 
 std::u16string cQtShell::SpecialFolder(int32_t id) {

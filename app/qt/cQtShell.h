@@ -4,9 +4,6 @@
 // the error log goes under the state home, see StateFolder).
 #pragma once
 
-#include <QLockFile>
-#include <memory>
-
 #include "platform/Shell.h"
 
 namespace toval {
@@ -15,6 +12,9 @@ class cQtShell final : public Shell {
   public:
     // dataFolder: where the language files are, with a trailing separator.
     explicit cQtShell(std::u16string dataFolder);
+    ~cQtShell() override;
+    cQtShell(const cQtShell&) = delete;
+    cQtShell& operator=(const cQtShell&) = delete;
 
     int32_t ShowMessage(const std::u16string& text, const std::u16string& title,
                         int32_t flags) override;
@@ -39,7 +39,7 @@ class cQtShell final : public Shell {
 
   private:
     std::u16string dataFolder_;
-    std::unique_ptr<QLockFile> lock_;
+    int lock_ = -1;  // the single-instance lock, held while the program runs
     bool rightToLeft_ = false;
 };
 
