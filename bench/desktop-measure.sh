@@ -44,11 +44,11 @@ PY
 now_ms() { python3 -c 'import time; print(int(time.monotonic() * 1000))'; }
 # Process ids of the programs whose command line matches a pattern.
 pids_of() { pgrep -u "$(id -u)" -f "$1" || true; }
-cpu_ticks() {  # PIDS...: user + system clock ticks
-    local total=0 pid
+cpu_ms() {  # PIDS...: CPU time of all their threads, in ms (the scheduler's own count, in ns)
+    local pid total=0
     for pid in "$@"; do
-        [ -r "/proc/$pid/stat" ] || continue
-        total=$((total + $(awk '{print $14 + $15}' "/proc/$pid/stat")))
+        [ -d "/proc/$pid/task" ] || continue
+        total=$((total + $(cat /proc/"$pid"/task/*/schedstat 2>/dev/null | awk '{s += $1} END {printf "%d", s / 1e6}')))
     done
     echo "$total"
 }
@@ -60,7 +60,6 @@ pss_kb() {  # PIDS...
     done
     echo "$total"
 }
-hz=$(getconf CLK_TCK)
 
 start_mpv() {
     mpv --ao=null --vo=null --idle=no --really-quiet $(desktop_mpv_mpris) "$out/long.flac" &
@@ -87,11 +86,11 @@ shown=$(grep -m1 "highlight line=[0-9]" "$out/trace.txt" | cut -d' ' -f1)
 started=$(grep -m1 " start$" "$out/trace.txt" | cut -d' ' -f1)
 toval_launch=$((shown - t0))
 toval_startup=$((started - t0))
-c0=$(cpu_ticks "$toval_pid")
+c0=$(cpu_ms "$toval_pid")
 sleep "$seconds"
-c1=$(cpu_ticks "$toval_pid")
+c1=$(cpu_ms "$toval_pid")
 toval_pss=$(pss_kb "$toval_pid")
-toval_cpu_ms=$(((c1 - c0) * 1000 / hz * 60 / seconds))
+toval_cpu_ms=$(((c1 - c0) * 60 / seconds))
 import -window root "$out/toval.png"
 kill "$toval_pid" "$mpv_pid" 2>/dev/null || true
 wait "$toval_pid" "$mpv_pid" 2>/dev/null || true
@@ -115,12 +114,12 @@ if [ "${TOVAL_PEER:-1}" != 0 ] && command -v osdlyrics >/dev/null; then
     peer_launch=$(($(now_ms) - t0))
     sleep 2
     pids=$(pids_of osdlyrics)
-    c0=$(cpu_ticks $pids)
+    c0=$(cpu_ms $pids)
     sleep "$seconds"
     pids=$(pids_of osdlyrics)
-    c1=$(cpu_ticks $pids)
+    c1=$(cpu_ms $pids)
     peer_pss=$(pss_kb $pids)
-    peer_cpu_ms=$(((c1 - c0) * 1000 / hz * 60 / seconds))
+    peer_cpu_ms=$(((c1 - c0) * 60 / seconds))
     import -window root "$out/peer.png"
     kill $pids "$mpv_pid" 2>/dev/null || true
     peer="$((peer_pss / 1024)) MB PSS ($(wc -w <<<"$pids") processes), ${peer_cpu_ms} ms CPU/min, ${peer_launch} ms to its window"

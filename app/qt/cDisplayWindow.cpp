@@ -14,9 +14,9 @@ namespace toval {
 
 namespace {
 
-constexpr int kEdge = 6;       // the width of the resizing border
-constexpr int kGlideMs = 160;  // a change of line glides this long
-constexpr int kGlideStepMs = 16;
+constexpr int kEdge = 6;          // the width of the resizing border
+constexpr int kGlideMs = 160;     // a change of line glides this long
+constexpr int kGlideStepMs = 32;  // 30 frames a second: smooth, and half the wake-ups of 60
 constexpr int kMinWidth = 120, kMinHeight = 32;
 
 int Pixels(int32_t twips) {
