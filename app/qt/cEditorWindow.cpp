@@ -52,12 +52,13 @@ std::u16string EditorText(const QString& text) {
     return crlf.toStdU16String();
 }
 
-QRect BoxOf(const std::shared_ptr<cDelta>& delta) {
+// A layout box in the picture, the lyric's top left corner at origin.
+QRect BoxOf(const std::shared_ptr<cDelta>& delta, const QPoint& origin) {
     if (!delta || !delta->Initial() || !delta->Final()) return {};
     const int32_t left = delta->Initial()->X(), top = delta->Initial()->Y();
     const int32_t right = delta->Final()->X(), bottom = delta->Final()->Y();
     if (left == kUnset || top == kUnset || right == kUnset || bottom == kUnset) return {};
-    return QRect(QPoint(left + kMargin, top + kMargin), QPoint(right + kMargin, bottom + kMargin));
+    return QRect(QPoint(left, top), QPoint(right, bottom)).translated(origin);
 }
 
 int32_t ShiftOf(Qt::KeyboardModifiers modifiers) {
@@ -125,14 +126,23 @@ QRect cEditorPicture::Box(int32_t line, int32_t word) const {
     const auto lyric = editor_.Lyric();
     const auto l = lyric ? lyric->GetLine(line) : nullptr;
     if (!l) return {};
-    if (word == kUnset) return BoxOf(l->Delta());
+    if (word == kUnset) return BoxOf(l->Delta(), Origin());
     const auto w = l->GetWord(word);
-    return w ? BoxOf(w->Delta()) : QRect();
+    return w ? BoxOf(w->Delta(), Origin()) : QRect();
+}
+
+QPoint cEditorPicture::Origin() const {
+    const auto lyric = editor_.Lyric();
+    const QRect all = lyric ? BoxOf(lyric->Delta(), QPoint()) : QRect();
+    // A right-to-left lyric stands at the right edge.
+    if (lyric && lyric->RightToLeft())
+        return QPoint(std::max(kMargin, width() - kMargin - all.right() - 1), kMargin);
+    return QPoint(kMargin, kMargin);
 }
 
 void cEditorPicture::Fit() {
     const auto lyric = editor_.Lyric();
-    const QRect all = lyric ? BoxOf(lyric->Delta()) : QRect();
+    const QRect all = lyric ? BoxOf(lyric->Delta(), QPoint(kMargin, kMargin)) : QRect();
     // At least the lyric's size; the scroll area stretches it to its view.
     setMinimumSize(std::max(all.right() + kMargin, 1), std::max(all.bottom() + kMargin, 1));
     update();
@@ -144,6 +154,7 @@ void cEditorPicture::paintEvent(QPaintEvent* event) {
     const auto lyric = editor_.Lyric();
     if (!lyric) return;
     p.setFont(measure_.Font());
+    const QPoint origin = Origin();
     const auto draw = [&](const std::u16string& text, const QRect& box, cColor color) {
         if (box.isEmpty() || !box.intersects(event->rect())) return;
         p.setPen(ColorOf(color));
@@ -151,15 +162,15 @@ void cEditorPicture::paintEvent(QPaintEvent* event) {
     };
     for (int32_t i = 0; i < lyric->GetLineSize(); ++i) {
         const auto line = lyric->GetLine(i);
-        if (!line || !BoxOf(line->Delta()).intersects(event->rect())) continue;
+        if (!line || !BoxOf(line->Delta(), origin).intersects(event->rect())) continue;
         const bool current = i == editor_.curLine();
         const cColor color = current ? settings_.color_NormalText : settings_.color_BackText;
-        if (line->GetWordSize() == 0) draw(line->Text(), BoxOf(line->Delta()), color);
+        if (line->GetWordSize() == 0) draw(line->Text(), BoxOf(line->Delta(), origin), color);
         for (int32_t j = 0; j < line->GetWordSize(); ++j) {
             const auto word = line->GetWord(j);
             if (!word) continue;
             const bool highlighted = current && j == editor_.curWord();
-            draw(word->Text(), BoxOf(word->Delta()),
+            draw(word->Text(), BoxOf(word->Delta(), origin),
                  highlighted ? settings_.color_HighlighText : color);
         }
     }
@@ -200,8 +211,8 @@ void cEditorPicture::mousePressEvent(QMouseEvent* event) {
                            : event->button() == Qt::LeftButton ? kButtonLeft
                                                                : 4;
     if (onMouse)
-        onMouse(button, ShiftOf(event->modifiers()), event->position().x() - kMargin,
-                event->position().y() - kMargin);
+        onMouse(button, ShiftOf(event->modifiers()), event->position().x() - Origin().x(),
+                event->position().y() - Origin().y());
 }
 
 // --- The window ---

@@ -31,6 +31,8 @@ class cEditorPicture final : public QWidget {
     QRect Box(int32_t line, int32_t word) const;
     // Follows the lyric's laid-out size.
     void Fit();
+    // Where the lyric's top left corner is drawn.
+    QPoint Origin() const;
 
     std::function<void(int32_t keyCode, int32_t shift)> onKey;
     std::function<void(int32_t button, int32_t shift, double x, double y)> onMouse;
