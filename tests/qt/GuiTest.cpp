@@ -35,6 +35,8 @@
 #include "cEditorWindow.h"
 #include "cQtProgram.h"
 #include "cSettingsDialog.h"
+#include "config/cConfig.h"
+#include "config/mLanguage.h"
 #include "core/cMainLogic.h"
 #include "core/cPlugin.h"
 #include "display/cDisplay.h"
@@ -415,6 +417,18 @@ TEST_F(HebrewGuiTest, TheEditorRefusesAnUntaggedTrackInHebrewAndMirrorsItsWindow
     EXPECT_EQ(text.toStdU16String(), program_->Logic().Text(u"InvalidMusicTAG"));
     EXPECT_TRUE(text.contains(QChar(0x05D4)));
     EXPECT_EQ(direction, Qt::RightToLeft);
+
+    // The tray menu: the Windows program's captions, mirrored.
+    program_->Window().onMenu(QPoint(600, 300));
+    Pump(200);
+    QWidget* menu = QApplication::activePopupWidget();
+    ASSERT_NE(menu, nullptr);
+    Grab(menu, "hebrew-menu");
+    EXPECT_EQ(menu->layoutDirection(), Qt::RightToLeft);
+    EXPECT_EQ(menu->actions().value(0)->text().toStdU16String(),
+              program_->Logic().Config()->Language().GetValue(u"objects",
+                                                              u".fMain.mnuWindowMode.caption"));
+    menu->close();
 
     Mpv mpv({Track("a.flac")});
     ASSERT_TRUE(WaitFor([&] { return Tagged() && !FirstLine().empty(); }, 10000));
