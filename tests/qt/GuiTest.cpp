@@ -23,6 +23,7 @@
 #include <QPlainTextEdit>
 #include <QProcess>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QScreen>
 #include <QStandardPaths>
 #include <QTimer>
@@ -31,7 +32,6 @@
 #include <fstream>
 #include <memory>
 
-#include "base/mFile.h"
 #include "cEditorWindow.h"
 #include "cQtProgram.h"
 #include "cSettingsDialog.h"
@@ -76,6 +76,14 @@ void OnModal(std::function<void(QWidget*)> act) {
     QTimer::singleShot(400, [act] {
         QWidget* w = QApplication::activePopupWidget();
         act(w ? w : QApplication::activeModalWidget());
+    });
+}
+
+// Takes a picture of the next modal window or menu, then closes it.
+void CloseModal(const char* name) {
+    OnModal([name](QWidget* w) {
+        Grab(w, name);
+        if (w) w->close();
     });
 }
 
@@ -327,10 +335,7 @@ TEST_F(GuiTest, EditorTimesThePlayingTrackWithTheArrowKeysAndSavesTheLyricBeside
     Grab(window, "editor-text");
 
     // Step 2 opens with the timing help.
-    OnModal([](QWidget* help) {
-        Grab(help, "editor-help");
-        if (help) help->close();
-    });
+    CloseModal("editor-help");
     click("cmdNext");
     ASSERT_EQ(editor.Step(), 2);
     const int32_t start = program_->Bridge().Position().At(program_->Bridge().Now());
@@ -363,10 +368,7 @@ TEST_F(GuiTest, EditorTimesThePlayingTrackWithTheArrowKeysAndSavesTheLyricBeside
     QApplication::sendEvent(&window->Picture(), &right);
     EXPECT_EQ(listed.size(), 2);
     cEditAdvTime adv;
-    OnModal([](QWidget* dialog) {
-        Grab(dialog, "editor-advanced");
-        if (dialog) dialog->close();
-    });
+    CloseModal("editor-advanced");
     EXPECT_FALSE(window->OpenAdvTime(adv));
 
     click("cmdNext");
@@ -382,17 +384,12 @@ TEST_F(GuiTest, EditorTimesThePlayingTrackWithTheArrowKeysAndSavesTheLyricBeside
     // The saved lyric replaces the shown one; its times follow one another
     // within the span that was played while they were stamped.
     EXPECT_TRUE(WaitFor([&] { return FirstLine() == u"Lamps on the quay"; }, 5000));
-    cLyric saved;
-    saved.setLoad(FileRead(Track("a.tvl").toStdU16String()));
-    std::vector<int32_t> times;
-    for (int32_t i = 0; i < saved.GetLineSize(); ++i) {
-        const auto line = saved.GetLine(i);
-        for (int32_t t = 0; t < line->GetTimeSize(); ++t)
-            times.push_back(line->GetTime(t)->Time());
-        for (int32_t w = 0; w < line->GetWordSize(); ++w)
-            for (int32_t t = 0; t < line->GetWord(w)->GetTimeSize(); ++t)
-                times.push_back(line->GetWord(w)->GetTime(t)->Time());
-    }
+    QFile file(Track("a.tvl"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    std::vector<int32_t> times;  // every [line] and <word> time, in the file's order
+    const QRegularExpression stamp(QStringLiteral(R"([\[<](\d+)[\]>])"));
+    for (const auto& match : stamp.globalMatch(QString::fromUtf8(file.readAll())))
+        times.push_back(match.captured(1).toInt());
     ASSERT_EQ(times.size(), 9u);
     EXPECT_TRUE(std::is_sorted(times.begin(), times.end()));
     EXPECT_GE(times.front(), start);
@@ -438,10 +435,7 @@ TEST_F(HebrewGuiTest, TheEditorRefusesAnUntaggedTrackInHebrewAndMirrorsItsWindow
     program_->Editor()->findChild<QPlainTextEdit*>("txtEdit")->setPlainText(
         QString::fromUtf16(u"\u05E9\u05DC\u05D5\u05DD \u05E2\u05D5\u05DC\u05DD"));
     program_->Editor()->findChild<QCheckBox*>("chkRighttoleft")->click();
-    OnModal([](QWidget* help) {
-        Grab(help, "hebrew-help");
-        if (help) help->close();
-    });
+    CloseModal("hebrew-help");
     program_->Editor()->findChild<QPushButton*>("cmdNext")->click();
     Pump(200);
     Grab(program_->Editor(), "hebrew-editor");
