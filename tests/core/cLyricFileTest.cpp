@@ -26,13 +26,6 @@ struct Loaded {
     std::u16string lyric;
     bool operator==(const Loaded&) const = default;
 };
-void PrintTo(const Loaded& l, std::ostream* os) {
-    *os << "{" << l.requestId << ", " << l.status << ", \"";
-    for (char16_t c : l.lyric)
-        *os << (c < 128 ? static_cast<char>(c) : '?');
-    *os << "\"}";
-}
-
 class LyricFileTest : public ::testing::Test {
   protected:
     LyricFileTest() {

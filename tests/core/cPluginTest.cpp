@@ -5,11 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/FakeLyricSource.h"
-#include "core/cCore.h"
-#include "fakes/FakePluginChannel.h"
-#include "fakes/FakeRandom.h"
-#include "fakes/FakeShell.h"
+#include "core/ControllerRig.h"
 #include "lyric/cMusic.h"
 
 namespace toval::test {
@@ -26,21 +22,12 @@ class RecordingCore : public cCore {
     Ints events;
 };
 
-struct Link {
-    cGlobals globals;
-    FakePluginChannel channel;
-    FakeShell shell;
-    FakeRandom random;
-    cPlugin plugin{globals, channel, shell,
-                   [](std::u16string_view key) { return u"<" + std::u16string(key) + u">"; }};
-    std::shared_ptr<RecordingCore> core = std::make_shared<RecordingCore>(globals, shell, random);
-    int closes = 0;
+// The controller rig with the recording controller linked to the plug-in, or none.
+struct Link : ControllerRig {
+    std::shared_ptr<RecordingCore> recorder =
+        std::make_shared<RecordingCore>(globals, shell, random);
 
-    explicit Link(bool linked = true) {
-        plugin.setPluginHwnd(0x99);
-        plugin.onCloseProgram = [this] { ++closes; };
-        if (linked) plugin.setCore(core);
-    }
+    explicit Link(bool linked = true) { plugin.setCore(linked ? recorder : nullptr); }
     Ints Commands() const {
         Ints out;
         for (const auto& s : channel.sent)
@@ -62,7 +49,7 @@ TEST(cPlugin, WakeupRegistersAndLearnsThePlayer) {
     EXPECT_EQ(l.channel.sent[0].window, 0x99);
     EXPECT_EQ(l.channel.sent[0].argument, 0x1234);  // the handler window
     EXPECT_EQ(l.plugin.PlayerHwnd(), 0x777);
-    EXPECT_EQ(l.core->events, (Ints{kEventAwake}));
+    EXPECT_EQ(l.recorder->events, (Ints{kEventAwake}));
     // The length unit: 1 milliseconds, 0 seconds; any other answer keeps the unit.
     for (auto [answer, milli] : {std::pair{1, true}, {2, true}, {0, false}, {2, false}}) {
         l.channel.lengthUnit = answer;
@@ -79,10 +66,11 @@ TEST(cPlugin, RefusedRegistrationShowsAnErrorAndCloses) {
         l.channel.registerAnswer = answer;
         l.plugin.Wakeup();
         EXPECT_EQ(l.Commands(), (Ints{1}));
-        EXPECT_EQ(l.shell.boxes, (std::vector<FakeShell::Box>{
-                                     {u"<StartErrorBadHandle>", u"<ErrorTitle>", kMbIconError}}));
+        EXPECT_EQ(
+            l.shell.boxes,
+            (std::vector<FakeShell::Box>{{u"StartErrorBadHandle", u"ErrorTitle", kMbIconError}}));
         EXPECT_EQ(l.closes, 1);
-        EXPECT_TRUE(l.core->events.empty());
+        EXPECT_TRUE(l.recorder->events.empty());
     }
 }
 
@@ -111,7 +99,7 @@ TEST(cPlugin, UpdatePollsThePositionAndClosesWhenThePluginIsGone) {
 TEST(cPlugin, CloseProgramTellsCoreAndPlugin) {
     Link l;
     l.plugin.closeProgram();
-    EXPECT_EQ(l.core->events, (Ints{kEventPlayerClosed}));
+    EXPECT_EQ(l.recorder->events, (Ints{kEventPlayerClosed}));
     EXPECT_EQ(l.Commands(), (Ints{4, 5}));
     EXPECT_EQ(l.closes, 1);
 
@@ -147,7 +135,7 @@ TEST(cPlugin, ProcessMessageFollowsTheTable) {
     for (const Row& row : rows) {
         Link l;
         EXPECT_EQ(l.Send(kWmUser, row.code), row.result) << row.code;
-        EXPECT_EQ(l.core->events, row.events) << row.code;
+        EXPECT_EQ(l.recorder->events, row.events) << row.code;
         EXPECT_EQ(l.closes, row.closes) << row.code;
     }
 }
@@ -162,10 +150,10 @@ TEST(cPlugin, TagRecordOfAnyOtherSizeIsRefused) {
         EXPECT_EQ(l.Send(kWmCopyData, 0, block), 0);
     }
     EXPECT_EQ(l.plugin.Music()->Title(), u"kept");
-    EXPECT_TRUE(l.core->events.empty());
+    EXPECT_TRUE(l.recorder->events.empty());
     EXPECT_EQ(l.Send(kWmCopyData, 0, good), 0);
     EXPECT_EQ(l.plugin.Music()->Title(), u"T");
-    EXPECT_EQ(l.core->events, (Ints{kEventNewTrack}));
+    EXPECT_EQ(l.recorder->events, (Ints{kEventNewTrack}));
 }
 
 TEST(cPlugin, TagFieldsAreDecodedTrimmedAndCut) {
