@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "base/mNumber.h"
-#include "base/mRightToLeft.h"
 #include "fakes/FakeMeasureSurface.h"
 #include "lyric/cLyricWord.h"
 
@@ -224,17 +223,6 @@ TEST(cLyricLine, LaysWordsOutByMeasuredPrefixes) {
     EXPECT_EQ(box(0), (std::array{5, 16, 25, 32}));
     EXPECT_EQ(box(1), (std::array{25, 16, 35, 32}));
     EXPECT_EQ(l.GetWord(1)->Delta()->Diff()->X(), 10);
-}
-
-TEST(mRightToLeft, RecognisesRightToLeftScriptsAndMarks) {
-    const char16_t* yes[] = {u"\u05BE", u"\u07B1", u"abc\u0627", u"\uFB1D",
-                             u"\uFEFC", u"\u202B", u"\u202E",    u"\u200F"};
-    const char16_t* no[] = {u"",       u"abc",    u"\u05BD", u"\u07B2",
-                            u"\uFB1C", u"\uFEFD", u"\u202A", u"\u200E"};
-    for (auto* t : yes)
-        EXPECT_TRUE(IsRightToLeft(t)) << Narrow(t);
-    for (auto* t : no)
-        EXPECT_FALSE(IsRightToLeft(t)) << Narrow(t);
 }
 
 }  // namespace
