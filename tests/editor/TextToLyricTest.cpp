@@ -1,26 +1,17 @@
 // Plain text to lyric: the separator set, lines split at CR LF, words and
 // separators as words of their own, right-to-left runs, and the deliberate
 // losses of a one-character tail.
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
-#include "config/cSettings.h"
-#include "editor/cEditor.h"
-#include "fakes/FakeRandom.h"
+#include "EditorFixture.h"
 
 namespace toval::test {
 namespace {
 
-struct TextEditor {
-    cGlobals globals;
-    FakeRandom random;
-    cEditor editor{globals, random};
-};
+using TextToLyric = EditorTest;
 
-TEST(TextToLyric, LinesAndTheirEndings) {
-    TextEditor t;
+TEST_F(TextToLyric, LinesAndTheirEndings) {
     const std::vector<std::pair<std::u16string, std::u16string>> cases = {
         {u"", u""},
         {u"a", u""},  // one character: nothing
@@ -46,25 +37,23 @@ TEST(TextToLyric, LinesAndTheirEndings) {
          u"[]<>ab<>\uFF0C<>cd\uFF0Dx<>\uFF1A<>y<>\u205F<>\u2060z\r\n"},
     };
     for (const auto& [text, expected] : cases)
-        EXPECT_EQ(t.editor.textToLyric(text), expected) << std::string(text.begin(), text.end());
+        EXPECT_EQ(editor.textToLyric(text), expected) << std::string(text.begin(), text.end());
 }
 
-TEST(TextToLyric, RightToLeftRunsComeOutReversed) {
-    TextEditor t;
+TEST_F(TextToLyric, RightToLeftRunsComeOutReversed) {
     const std::u16string a = u"\u05D0\u05D1", b = u"\u05D2\u05D3", c = u"\u05D4\u05D5";
     // Three Hebrew words: reverse order, each blank kept next to the word it
     // followed.
-    EXPECT_EQ(t.editor.wordSep(a + u" " + b + u" " + c, u"<>"),
+    EXPECT_EQ(editor.wordSep(a + u" " + b + u" " + c, u"<>"),
               u"<>" + c + u"<> <>" + b + u"<> <>" + a);
     // A left-to-right word closes the run; the blank before it closes the run too.
-    EXPECT_EQ(t.editor.wordSep(a + u" " + b + u" xy", u"<>"),
-              u"<>" + b + u"<> <>" + a + u"<> <>xy");
+    EXPECT_EQ(editor.wordSep(a + u" " + b + u" xy", u"<>"), u"<>" + b + u"<> <>" + a + u"<> <>xy");
     // A run after a left-to-right word: the separator between stays in front.
-    EXPECT_EQ(t.editor.wordSep(u"xy " + a + u" " + b, u"<>"), u"<>xy<> <>" + b + u"<> <>" + a);
+    EXPECT_EQ(editor.wordSep(u"xy " + a + u" " + b, u"<>"), u"<>xy<> <>" + b + u"<> <>" + a);
     // Two separators inside a run.
-    EXPECT_EQ(t.editor.wordSep(a + u", " + b, u"<>"), u"<>" + b + u"<> <>,<>" + a);
+    EXPECT_EQ(editor.wordSep(a + u", " + b, u"<>"), u"<>" + b + u"<> <>,<>" + a);
     // A trailing separator after a run comes last.
-    EXPECT_EQ(t.editor.wordSep(a + u" " + b + u".", u"<>"), u"<>" + b + u"<> <>" + a + u"<>.");
+    EXPECT_EQ(editor.wordSep(a + u" " + b + u".", u"<>"), u"<>" + b + u"<> <>" + a + u"<>.");
 }
 
 }  // namespace
