@@ -175,24 +175,17 @@ TEST(cLyric, ReadsLrcFilesAsUsersHaveThem) {
 // Files from other systems: UTF-16 behind a mark, Windows-1252, and what is no
 // text at all.
 TEST(cLyric, ReadsTextFilesInTheirEncodings) {
+    using namespace std::string_literals;
     const struct {
         std::string bytes;
         const char16_t* text;  // nullptr: not text
     } cases[] = {
-        {std::string("\xFF\xFE[\0"
-                     "1\0]\0\xAC\x20",
-                     10),
-         u"[1]\u20AC"},
-        {std::string("\xFE\xFF\0[\0"
-                     "1\0]\x20\xAC",
-                     10),
-         u"[1]\u20AC"},
+        {"\xFF\xFE[\0001\000]\000\xAC\x20"s, u"[1]\u20AC"},
+        {"\xFE\xFF\000[\0001\000]\x20\xAC"s, u"[1]\u20AC"},
         {"\xEF\xBB\xBF[1]\x93q\x94", u"[1]\u201Cq\u201D"},
         {"[1]\x96 \x80 caf\xE9", u"[1]\u2013 \u20AC caf\u00E9"},
-        {std::string("ID3\x03\0\0\0\0", 9), nullptr},
-        {"\x01\x02\x03\x04\x05\x06\x07\x08\x0B\x0E"
-         "ab",
-         nullptr},
+        {"ID3\x03\0\0\0\0\0"s, nullptr},
+        {"\x01\x02\x03\x04\x05\x06\x07\x08\x0B\x0E\x61\x62", nullptr},
         {"\t\r\n\f", u"\t\r\n\f"},
     };
     test::TempDir dir;
