@@ -233,16 +233,13 @@ TEST(cCore, AForecastPollSleepsUntilTheNextEventAndWakesWhenThePlayerMoves) {
     r.display.Take();
 
     // Every tick plans the sleep to the next event, plus one millisecond.
-    r.channel.position = 200;
-    r.timer.tick();
+    r.Tick(200);
     EXPECT_EQ(r.timer.interval, 801);
-    r.channel.position = 1001;
-    r.timer.tick();
+    r.Tick(1001);
     EXPECT_EQ(r.display.Take(), (std::vector<std::string>{"Choose 0 -2147483648"}));
     EXPECT_EQ(r.timer.interval, 2000);
     // A long instrumental sleeps at most kMaxSleepMs at a time.
-    r.channel.position = 3000;
-    r.timer.tick();
+    r.Tick(3000);
     EXPECT_EQ(r.timer.interval, kMaxSleepMs);
 
     // Paused: the timer stops until the player moves; a wake then looks at once.
@@ -258,8 +255,7 @@ TEST(cCore, AForecastPollSleepsUntilTheNextEventAndWakesWhenThePlayerMoves) {
     EXPECT_EQ(r.timer.interval, 1801);
 
     // Past the last event nothing is due; without a forecast the fixed pace is kept.
-    r.channel.position = 9500;
-    r.timer.tick();
+    r.Tick(9500);
     EXPECT_FALSE(r.timer.enabled);
     r.core->setForecast(nullptr);
     r.core->PluginEvent(kEventNewTrack);
