@@ -120,27 +120,25 @@ TEST(cEventStream, EachTickRaisesOnlyTheLastEventPassedEitherWay) {
 TEST(cEventStream, EqualTimesEndInTheOrderThatDecidesWhatIsRaised) {
     // A line and its first word at the same time: the sort puts the word first,
     // so the line (no word) is what is raised, and the first word never is.
-    Player p;
-    p.stream.Load(LyricOf(u"[1000]<1000>Hello <1500>world"));
+    Player p(u"[1000]<1000>Hello <1500>world");
     EXPECT_EQ(Order(p.stream), (std::vector<Raised>{{0, 0}, {0, kUnset}, {0, 1}}));
     EXPECT_EQ(p.At(1000), (std::vector<Raised>{{0, kUnset}}));
     EXPECT_EQ(p.At(1500), (std::vector<Raised>{{0, 1}}));
 
+    // Events (line, word, time) added in this order, then sorted.
+    const auto sorted = [](std::initializer_list<std::tuple<int32_t, int32_t, int32_t>> events) {
+        cEventStream s;
+        for (const auto& [line, word, time] : events)
+            s.AddEvent(line, word, std::make_shared<cTime>(time));
+        s.QuickSort(0, s.NumEvents() - 1);
+        return Order(s);
+    };
     // Two records: the pivot of (0, 1) is record 0, and the pair is swapped.
-    Player two;
-    two.stream.AddEvent(0, kUnset, std::make_shared<cTime>(1000));
-    two.stream.AddEvent(0, 0, std::make_shared<cTime>(1000));
-    two.stream.QuickSort(0, 1);
-    EXPECT_EQ(Order(two.stream), (std::vector<Raised>{{0, 0}, {0, kUnset}}));
-
+    EXPECT_EQ(sorted({{0, kUnset, 1000}, {0, 0, 1000}}),
+              (std::vector<Raised>{{0, 0}, {0, kUnset}}));
     // The pivot index is the middle rounded half to even ((1 + 2) / 2 -> 2);
     // rounding down would give 3, 1, 0, 2.
-    Player four;
-    const int32_t times[] = {2000, 1000, 2000, 1000};
-    for (int32_t i = 0; i < 4; ++i)
-        four.stream.AddEvent(i, kUnset, std::make_shared<cTime>(times[i]));
-    four.stream.QuickSort(0, 3);
-    EXPECT_EQ(Order(four.stream),
+    EXPECT_EQ(sorted({{0, kUnset, 2000}, {1, kUnset, 1000}, {2, kUnset, 2000}, {3, kUnset, 1000}}),
               (std::vector<Raised>{{1, kUnset}, {3, kUnset}, {2, kUnset}, {0, kUnset}}));
 }
 
