@@ -200,11 +200,8 @@ TEST(cLyric, ReadsPropertySections) {
     l.setLoad(
         u"ignored before[PROPERTY]\r\nmutation:5\r\nRIGHTTOLEFT:yes\r\nnocolon\r\n"
         u"TrackLength: 2.5 \r\nOTHER:1\r\n[\\PROPERTY]a");
-    EXPECT_EQ(l.Mutation(), 5);
-    EXPECT_FALSE(l.RightToLeft());
-    EXPECT_EQ(l.TrackLength(), 2);
-    ASSERT_EQ(l.GetLineSize(), 1);
-    EXPECT_EQ(l.GetLine(0)->Text(), u"a");
+    EXPECT_EQ(std::tuple(l.Mutation(), l.RightToLeft(), l.TrackLength(), l.Load()),
+              std::tuple(5, false, 2, u"[]a\r\n"));
 
     const struct {
         const char16_t* section;
@@ -225,8 +222,7 @@ TEST(cLyric, ReadsPropertySections) {
         cLyric p;
         p.setMutation(3);
         p.setProperties(c.section);
-        EXPECT_EQ(p.Mutation(), c.mutation);
-        EXPECT_EQ(p.RightToLeft(), c.rightToLeft);
+        EXPECT_EQ(std::pair(p.Mutation(), p.RightToLeft()), std::pair(c.mutation, c.rightToLeft));
     }
     ASSERT_EQ(trail.lines.size(), 1u);
     EXPECT_EQ(trail.lines[0][0], "cLyric.Properties [Let]");
