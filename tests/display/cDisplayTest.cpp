@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "fakes/FakeDrawSurface.h"
@@ -47,6 +49,9 @@ struct Display {
         EXPECT_EQ(surface.Count(FakeDrawSurface::Kind::Refresh), 1);
         return surface.Painted();
     }
+    std::pair<int32_t, int32_t> Current() const {
+        return {display.CurrentLine(), display.CurrentWord()};
+    }
 };
 
 TEST(cDisplay, FullRedrawPaintsEveryLineInBackTextAndResetsTheHighlight) {
@@ -54,12 +59,11 @@ TEST(cDisplay, FullRedrawPaintsEveryLineInBackTextAndResetsTheHighlight) {
     d.display.ChooseText(1, 0);
     d.surface.clear();
     d.display.Redraw();
-    EXPECT_EQ(d.surface.calls.front().kind, FakeDrawSurface::Kind::Blank);
-    EXPECT_EQ(d.surface.calls.front().color, 100);
+    EXPECT_EQ(std::pair(d.surface.calls.front().kind, d.surface.calls.front().color),
+              std::pair(FakeDrawSurface::Kind::Blank, cColor{100}));
     EXPECT_EQ(d.surface.Painted(), (Strings{"Title/101", "one /101", "two /101", "three/101",
                                             "four /101", "five/101", "Tom & Jerry/101"}));
-    EXPECT_EQ(d.display.CurrentLine(), kUnset);
-    EXPECT_EQ(d.display.CurrentWord(), kUnset);
+    EXPECT_EQ(d.Current(), std::pair(kUnset, kUnset));
 }
 
 TEST(cDisplay, ChooseTextRepaintsOnlyWhatChanged) {
@@ -77,11 +81,11 @@ TEST(cDisplay, ChooseTextRepaintsOnlyWhatChanged) {
     // Same line, word cleared: the line part runs (back text, then current).
     EXPECT_EQ(d.Choose(1, kUnset),
               (Strings{"one /101", "two /101", "three/101", "one /102", "two /102", "three/102"}));
-    EXPECT_EQ(d.display.CurrentWord(), kUnset);
+    EXPECT_EQ(d.Current(), std::pair(1, kUnset));
     EXPECT_EQ(d.Choose(1, 0), (Strings{"one /103"}));
     // Nothing: the old line goes back to slot 1, nothing is highlighted.
     EXPECT_EQ(d.Choose(kUnset, kUnset), (Strings{"one /101", "two /101", "three/101"}));
-    EXPECT_EQ(d.display.CurrentLine(), kUnset);
+    EXPECT_EQ(d.Current(), std::pair(kUnset, kUnset));
     EXPECT_EQ(d.Choose(kUnset, kUnset), Strings{});
 }
 
@@ -96,17 +100,14 @@ TEST(cDisplay, EveryRepaintErasesItsBoxAndDrawsUnprefixedCentredText) {
         kinds.push_back(call.kind);
     ASSERT_EQ(kinds, (std::vector{K::Fill, K::Color, K::Underline, K::Text, K::Refresh}));
     EXPECT_EQ(calls[0].color, 100);
-    EXPECT_EQ(calls[3].text, u"Tom & Jerry");
-    EXPECT_EQ(calls[3].flags, 2052);
-    EXPECT_EQ(calls[3].rect, calls[0].rect);
     // 11 characters of 10 px centred under the widest line (13), 16 px high.
-    EXPECT_EQ(calls[3].rect, (cRect{10, 48, 120, 64}));
+    EXPECT_EQ(std::tuple(calls[3].text, calls[3].flags, calls[3].rect, calls[0].rect),
+              std::tuple(u"Tom & Jerry", 2052, cRect{10, 48, 120, 64}, cRect{10, 48, 120, 64}));
 
     // A word's box is the measured prefix of its line.
     d.Choose(1, 1);
     const auto& word = d.surface.calls[d.surface.calls.size() - 2];
-    EXPECT_EQ(word.text, u"two ");
-    EXPECT_EQ(word.rect, (cRect{40, 16, 80, 32}));
+    EXPECT_EQ(std::tuple(word.text, word.rect), std::tuple(u"two ", cRect{40, 16, 80, 32}));
 }
 
 TEST(cDisplay, UnderlineFollowsTitleAndFontSettings) {
@@ -129,16 +130,15 @@ TEST(cDisplay, UnderlineFollowsTitleAndFontSettings) {
 TEST(cDisplay, MissingPiecesAreSkippedButTheStateMoves) {
     Display d;
     EXPECT_EQ(d.Choose(42, 7), Strings{});
-    EXPECT_EQ(d.display.CurrentLine(), 42);
-    EXPECT_EQ(d.display.CurrentWord(), 7);
+    EXPECT_EQ(d.Current(), std::pair(42, 7));
     // Line 3 has no words: word 0 of it is nothing.
     EXPECT_EQ(d.Choose(3, 0), (Strings{"Tom & Jerry/102"}));
-    EXPECT_EQ(d.display.CurrentWord(), 0);
+    EXPECT_EQ(d.Current(), std::pair(3, 0));
 
     // Without a lyric at all.
     d.display.Clear();
     EXPECT_EQ(d.Choose(1, 1), Strings{});
-    EXPECT_EQ(d.display.CurrentLine(), 1);
+    EXPECT_EQ(d.Current(), std::pair(1, 1));
 
     // A lyric that was never laid out has no boxes to paint into.
     Display flat;

@@ -5,11 +5,13 @@
 namespace toval::test {
 namespace {
 
+using Triples = std::vector<std::tuple<int32_t, int32_t, int32_t>>;
+
 class FoldTest : public EditorTest {
   protected:
     void Load(const std::u16string& records) { editor.Lyric()->setLoad(records); }
-    std::vector<std::tuple<int32_t, int32_t, int32_t>> Blocks() {
-        std::vector<std::tuple<int32_t, int32_t, int32_t>> out;
+    Triples Blocks() {
+        Triples out;
         const auto blocks = editor.getBlocks();
         for (const auto& b : blocks) {
             EXPECT_EQ(b->WordCount(), 0);
@@ -18,8 +20,6 @@ class FoldTest : public EditorTest {
         return out;
     }
 };
-
-using Triples = std::vector<std::tuple<int32_t, int32_t, int32_t>>;
 
 TEST_F(FoldTest, BlocksAreRunsOfNonEmptyLines) {
     Load(u"[]a\r\n");

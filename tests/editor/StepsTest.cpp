@@ -40,9 +40,9 @@ TEST_F(StepsTest, EachStepSetsItsControlsAndCaption) {
     globals.Settings.size_EditWinWidth = 9000;
     editor.Form_Load(music);
     EXPECT_EQ(view.caption, u"{TovalEditText} - Artist - Song");
-    EXPECT_TRUE(view.checked[eEditorControl::chkAutoImplode]);
-    EXPECT_EQ(view.rect.Top, 11);
-    EXPECT_EQ(view.rect.Width, 9000);
+    EXPECT_EQ(
+        std::tuple(view.checked[eEditorControl::chkAutoImplode], view.rect.Top, view.rect.Width),
+        std::tuple(true, 11, 9000));
     EXPECT_EQ(Shown(view), "TovalEditText fraText Load Next Implode Rtl");
     globals.Settings.editmode_splash = true;
     editor.txtEdit_Change(u"la la\r\n");
@@ -76,8 +76,7 @@ TEST_F(StepsTest, TaggedTextIsTakenAsLineRecords) {
     editor.cmdBack_Click();
     editor.txtEdit_Change(u"plain words");
     editor.cmdNext_Click();
-    EXPECT_EQ(Line(0)->GetWordSize(), 3);
-    EXPECT_FALSE(editor.HasTimes());
+    EXPECT_EQ(std::pair(Line(0)->GetWordSize(), editor.HasTimes()), std::pair(3, false));
 }
 
 TEST_F(StepsTest, AutoImplodeFoldsOnlyWhenChecked) {
@@ -104,26 +103,24 @@ TEST_F(StepsTest, LoadReadsAFileIntoTextBoxAndLyric) {
     EXPECT_EQ(view.openDialogs[0].InitDir, dir.folder());
     EXPECT_EQ(view.openDialogs[0].Filter,
               u"Toval (*.tvl)|*.tvl|Lyric (*.lrc)|*.lrc|{AllFiles} (*.*)|*.*");
-    EXPECT_EQ(view.editText, u"\u05D0 \u05D1\r\nsecond\r\n");
-    EXPECT_TRUE(view.editRightToLeft);
-    EXPECT_TRUE(view.checked[eEditorControl::chkRighttoleft]);
+    EXPECT_EQ(std::tuple(view.editText, view.editRightToLeft,
+                         view.checked[eEditorControl::chkRighttoleft]),
+              std::tuple(u"\u05D0 \u05D1\r\nsecond\r\n", true, true));
     // The loaded lyric keeps its times into the timing step.
     editor.cmdNext_Click();
-    EXPECT_EQ(Times(Word(0, 1)), Ints{1500});
-    EXPECT_EQ(editor.Lyric()->Mutation(), 77);
+    EXPECT_EQ(std::pair(Times(Word(0, 1)), editor.Lyric()->Mutation()), std::pair(Ints{1500}, 77));
     // Its direction follows the box, which the user may change.
     editor.cmdBack_Click();
     editor.chkRighttoleft_Click(false);
     editor.cmdNext_Click();
-    EXPECT_FALSE(editor.Lyric()->RightToLeft());
-    EXPECT_EQ(Times(Word(0, 1)), Ints{1500});
+    EXPECT_EQ(std::pair(Times(Word(0, 1)), editor.Lyric()->RightToLeft()),
+              std::pair(Ints{1500}, false));
     EXPECT_NE(editor.Lyric()->Mutation(), 77);
     // Once the text is edited, it is converted again.
     editor.cmdBack_Click();
     editor.txtEdit_Change(view.editText + u"third line");
     editor.cmdNext_Click();
-    EXPECT_FALSE(editor.HasTimes());
-    EXPECT_EQ(editor.Lyric()->GetLineSize(), 3);
+    EXPECT_EQ(std::pair(editor.HasTimes(), editor.Lyric()->GetLineSize()), std::pair(false, 3));
     // A missing file changes nothing.
     editor.cmdBack_Click();
     view.openFile = dir.file(u"missing.tvl");
@@ -154,17 +151,17 @@ TEST_F(StepsTest, SaveWritesTvlLrcOrTextAndReportsAFailure) {
     EXPECT_EQ(back.Load(), u"[1000]<1250>one<> <1500>two\r\n[]<>three\r\n");
     EXPECT_EQ(back.Mutation(), editor.Lyric()->Mutation());
 
-    view.saveFile = dir.file(u"out.lrc");
-    view.saveFilter = 2;
-    editor.cmdSave_Click();
-    EXPECT_EQ(FileRead(view.saveFile),
-              u"[ar:Artist]\r\n[ti:Song]\r\n[re:Toval]\r\n[ve:1.3.1]\r\n"
-              u"[00:01.00]one two\r\n[00:00.00]three\r\n");
-
-    view.saveFile = dir.file(u"out.txt");
-    view.saveFilter = 3;
-    editor.cmdSave_Click();
-    EXPECT_EQ(FileRead(view.saveFile), u"one two\r\nthree\r\n");
+    const std::tuple<const char16_t*, int32_t, const char16_t*> others[] = {
+        {u"out.lrc", 2,
+         u"[ar:Artist]\r\n[ti:Song]\r\n[re:Toval]\r\n[ve:1.3.1]\r\n"
+         u"[00:01.00]one two\r\n[00:00.00]three\r\n"},
+        {u"out.txt", 3, u"one two\r\nthree\r\n"}};
+    for (const auto& [name, filter, text] : others) {
+        view.saveFile = dir.file(name);
+        view.saveFilter = filter;
+        editor.cmdSave_Click();
+        EXPECT_EQ(FileRead(view.saveFile), text);
+    }
     EXPECT_TRUE(view.boxes.empty());
 
     view.saveFile = dir.file(u"no such folder/out.tvl");
@@ -174,7 +171,6 @@ TEST_F(StepsTest, SaveWritesTvlLrcOrTextAndReportsAFailure) {
 }
 
 TEST_F(StepsTest, UntimedLyricSavesAsPlainTextAfterItsProperties) {
-    TempDir dir;
     StartTiming(u"one two\r\nthree");
     editor.cmdNext_Click();
     EXPECT_EQ(editor.SaveText(1).find(u"<"), std::u16string::npos);
@@ -191,8 +187,7 @@ TEST_F(StepsTest, ResetAsksAndOnlyYesGoesBack) {
     for (const int32_t answer : {kIdNo, kIdCancel}) {
         view.boxAnswer = answer;
         editor.cmdReset_Click();
-        EXPECT_EQ(editor.Step(), 2);
-        EXPECT_TRUE(editor.HasTimes());
+        EXPECT_EQ(std::pair(editor.Step(), editor.HasTimes()), std::pair(2, true));
     }
     EXPECT_EQ(view.boxes[0],
               (FakeEditorView::Box{u"{RequestLyricReset}", u"{RequestLyricResetTitle}",
@@ -209,8 +204,7 @@ TEST_F(StepsTest, SendWithoutServiceFailsAndUnlocks) {
     editor.cmdNext_Click();
     editor.cmdInternet_Click();
     EXPECT_FALSE(editor.Sending());
-    ASSERT_EQ(view.boxes.size(), 1u);
-    EXPECT_EQ(view.boxes[0].text, u"{TovalSentFail}");
+    EXPECT_EQ(view.boxes, (Boxes{{u"{TovalSentFail}", u"{TovalSentFailTitle}", kMbIconError}}));
 }
 
 TEST_F(StepsTest, ClosingStoresTheWindowAndTheFoldSetting) {
@@ -222,14 +216,11 @@ TEST_F(StepsTest, ClosingStoresTheWindowAndTheFoldSetting) {
     editor.onClosed = [&] { closed = true; };
     bool cancel = true;
     editor.Form_Unload(cancel);
-    EXPECT_FALSE(cancel);
-    EXPECT_TRUE(closed);
-    EXPECT_FALSE(timer.enabled);
+    EXPECT_EQ(std::tuple(cancel, closed, timer.enabled), std::tuple(false, true, false));
     const cSettings& s = globals.Settings;
-    EXPECT_EQ(
-        std::tuple(s.pos_EditWinTop, s.pos_EditWinLeft, s.size_EditWinWidth, s.size_EditWinHeight),
-        std::tuple(100, 200, 7000, 5000));
-    EXPECT_TRUE(globals.Settings.edt_AutoImplode);
+    EXPECT_EQ(std::tuple(s.pos_EditWinTop, s.pos_EditWinLeft, s.size_EditWinWidth,
+                         s.size_EditWinHeight, s.edt_AutoImplode),
+              std::tuple(100, 200, 7000, 5000, true));
 }
 
 TEST(EditorWithoutWindow, TextProceduresWorkAndDialogsCancel) {
@@ -245,8 +236,7 @@ TEST(EditorWithoutWindow, TextProceduresWorkAndDialogsCancel) {
     editor.pb_Main_MouseDown(kButtonRight, 0, 1, 1);
     editor.mnuAdv_Click();
     editor.cmdReset_Click();  // cancelled
-    EXPECT_EQ(editor.Step(), 2);
-    EXPECT_TRUE(editor.HasTimes());
+    EXPECT_EQ(std::pair(editor.Step(), editor.HasTimes()), std::pair(2, true));
 }
 
 }  // namespace

@@ -1,46 +1,17 @@
 // Plain text to lyric: the separator set, lines split at CR LF, words and
 // separators as words of their own, right-to-left runs, and the deliberate
 // losses of a one-character tail.
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
-#include "config/cSettings.h"
-#include "editor/cEditor.h"
-#include "fakes/FakeRandom.h"
+#include "EditorFixture.h"
 
 namespace toval::test {
 namespace {
 
-struct TextEditor {
-    cGlobals globals;
-    FakeRandom random;
-    cEditor editor{globals, random};
-};
+using TextToLyric = EditorTest;
 
-TEST(TextToLyric, SeparatorSetHoldsExactlyTheFortyFiveCharacters) {
-    TextEditor t;
-    const std::u16string separators =
-        u"\uFF0C\uFF0F\uFF1A !\"#&()*+,-./:;=?@\\{|}\u1680\u180E"
-        u"\u2000\u2001\u2002\u2003\u2004\u2005\u2006\u2007\u2008\u2009\u200A"
-        u"\u201C\u201D\u2028\u205F\u3000\u3001\u3002";
-    ASSERT_EQ(separators.size(), 45u);
-    EXPECT_EQ(t.editor.SepCount(), 45);
-    // Every 16-bit value, the neighbours of each separator range among them:
-    // the halving search agrees with a plain scan of the set.
-    int found = 0;
-    for (int32_t v = -32768; v <= 32767; ++v) {
-        const auto code = static_cast<int16_t>(v);
-        const bool member = separators.find(static_cast<char16_t>(code)) != std::u16string::npos;
-        if (t.editor.findSepChar(code) != kNoSep) ++found;
-        ASSERT_EQ(t.editor.findSepChar(code) == code && code != kNoSep, member) << v;
-    }
-    EXPECT_EQ(found, 45);
-}
-
-TEST(TextToLyric, LinesAndTheirEndings) {
-    TextEditor t;
+TEST_F(TextToLyric, LinesAndTheirEndings) {
     const std::vector<std::pair<std::u16string, std::u16string>> cases = {
         {u"", u""},
         {u"a", u""},  // one character: nothing
@@ -61,27 +32,28 @@ TEST(TextToLyric, LinesAndTheirEndings) {
         {u",,", u"[]<>,<>,\r\n"},
         {u"tab\there", u"[]<>tab\there\r\n"},
         {u"\u3000\u4F60\u597D\u3002", u"[]<>\u3000<>\u4F60\u597D<>\u3002\r\n"},
+        // The separators below 0x8000 sort after those above it as 16-bit numbers.
+        {u"ab\uFF0Ccd\uFF0Dx\uFF1Ay\u205F\u2060z",
+         u"[]<>ab<>\uFF0C<>cd\uFF0Dx<>\uFF1A<>y<>\u205F<>\u2060z\r\n"},
     };
     for (const auto& [text, expected] : cases)
-        EXPECT_EQ(t.editor.textToLyric(text), expected) << std::string(text.begin(), text.end());
+        EXPECT_EQ(editor.textToLyric(text), expected) << std::string(text.begin(), text.end());
 }
 
-TEST(TextToLyric, RightToLeftRunsComeOutReversed) {
-    TextEditor t;
+TEST_F(TextToLyric, RightToLeftRunsComeOutReversed) {
     const std::u16string a = u"\u05D0\u05D1", b = u"\u05D2\u05D3", c = u"\u05D4\u05D5";
     // Three Hebrew words: reverse order, each blank kept next to the word it
     // followed.
-    EXPECT_EQ(t.editor.wordSep(a + u" " + b + u" " + c, u"<>"),
+    EXPECT_EQ(editor.wordSep(a + u" " + b + u" " + c, u"<>"),
               u"<>" + c + u"<> <>" + b + u"<> <>" + a);
     // A left-to-right word closes the run; the blank before it closes the run too.
-    EXPECT_EQ(t.editor.wordSep(a + u" " + b + u" xy", u"<>"),
-              u"<>" + b + u"<> <>" + a + u"<> <>xy");
+    EXPECT_EQ(editor.wordSep(a + u" " + b + u" xy", u"<>"), u"<>" + b + u"<> <>" + a + u"<> <>xy");
     // A run after a left-to-right word: the separator between stays in front.
-    EXPECT_EQ(t.editor.wordSep(u"xy " + a + u" " + b, u"<>"), u"<>xy<> <>" + b + u"<> <>" + a);
+    EXPECT_EQ(editor.wordSep(u"xy " + a + u" " + b, u"<>"), u"<>xy<> <>" + b + u"<> <>" + a);
     // Two separators inside a run.
-    EXPECT_EQ(t.editor.wordSep(a + u", " + b, u"<>"), u"<>" + b + u"<> <>,<>" + a);
+    EXPECT_EQ(editor.wordSep(a + u", " + b, u"<>"), u"<>" + b + u"<> <>,<>" + a);
     // A trailing separator after a run comes last.
-    EXPECT_EQ(t.editor.wordSep(a + u" " + b + u".", u"<>"), u"<>" + b + u"<> <>" + a + u"<>.");
+    EXPECT_EQ(editor.wordSep(a + u" " + b + u".", u"<>"), u"<>" + b + u"<> <>" + a + u"<>.");
 }
 
 }  // namespace

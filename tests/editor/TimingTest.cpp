@@ -26,8 +26,7 @@ TEST_F(TimingTest, ForwardArrowWalksLinesThenRealWordsAndOverwritesAtTheEnd) {
     Press(kKeyRight, 600);  // "end", the last word
     Press(kKeyRight, 700);  // nothing after it: "end" is overwritten
     EXPECT_EQ(Records(), u"[100]<200>Hi<>,<> <300>you\r\n[400]<>-<> <>-\r\n[500]<700>end\r\n");
-    EXPECT_TRUE(editor.lastTimeSet());
-    EXPECT_EQ(editor.lastTime()->Time(), 700);
+    EXPECT_EQ(std::pair(editor.lastTimeSet(), editor.lastTime()->Time()), std::pair(true, 700));
 }
 
 TEST_F(TimingTest, AgainKeyCorrectsTheLastStampAndDownArrowTakesTheNextLine) {
@@ -50,11 +49,9 @@ TEST_F(TimingTest, AnotherTrackMovesTheHighlightButStampsNothing) {
     globals.TrackID = 7;
     PressRight({100, 200});
     EXPECT_EQ(Cursor(), std::pair(0, 0));
-    EXPECT_FALSE(editor.HasTimes());
     editor.pb_Main_MouseDown(kButtonLeft, 0, 5, 20);
-    EXPECT_EQ(editor.curLine(), 1);
-    EXPECT_FALSE(editor.HasTimes());
-    EXPECT_FALSE(editor.CanUndo());
+    EXPECT_EQ(std::tuple(editor.curLine(), editor.HasTimes(), editor.CanUndo()),
+              std::tuple(1, false, false));
 }
 
 TEST_F(TimingTest, RightToLeftLyricSwapsTheArrowsAndWalksFromTheLastWord) {
@@ -83,8 +80,7 @@ TEST_F(TimingTest, MouseHitsWordsLinesAndNothing) {
     Click(700, 120, 8);  // beside the words: the line
     EXPECT_EQ(Times(Line(0)), Ints{700});
     editor.pb_Main_MouseDown(kButtonLeft, 0, 5, 500);  // below every line
-    EXPECT_EQ(editor.newLine(), kUnset);
-    EXPECT_EQ(editor.curLine(), kUnset);
+    EXPECT_EQ(std::pair(editor.newLine(), editor.curLine()), std::pair(kUnset, kUnset));
     editor.pb_Main_MouseDown(kButtonLeft, 0, 1e300, 5);  // no integer coordinate
     EXPECT_EQ(editor.newLine(), kUnset);
     editor.locateLineWord(12, 20);
@@ -124,9 +120,9 @@ TEST_F(TimingTest, RightClickShowsTheElementsTimesAndRestoresTheHighlight) {
     // A word without times: empty lists, both sub-menus disabled.
     editor.pb_Main_MouseDown(kButtonRight, 0, 35, 20);
     ASSERT_EQ(view.menus.size(), 1u);
-    EXPECT_TRUE(view.menus[0].EditTimes.empty());
-    EXPECT_FALSE(view.menus[0].EditTimesEnabled);
-    EXPECT_FALSE(view.menus[0].DelFromEnabled);
+    EXPECT_EQ(std::tuple(view.menus[0].EditTimes.size(), view.menus[0].EditTimesEnabled,
+                         view.menus[0].DelFromEnabled),
+              std::tuple(0u, false, false));
     // The target goes back to the line; restoring a line alone on the same
     // line leaves the clicked word highlighted.
     EXPECT_EQ(Cursor(), std::pair(1, 2));
@@ -134,13 +130,14 @@ TEST_F(TimingTest, RightClickShowsTheElementsTimesAndRestoresTheHighlight) {
     // A word of another line with a time: listed in both sub-menus.
     editor.pb_Main_MouseDown(kButtonRight, 0, 5, 3);
     ASSERT_EQ(view.menus.size(), 2u);
-    EXPECT_EQ(view.menus[1].EditTimes, std::vector<std::u16string>{u"00:00.200"});
-    EXPECT_EQ(view.menus[1].DelTimes, std::vector<std::u16string>{u"00:00.200"});
-    EXPECT_TRUE(view.menus[1].DelFromEnabled);
+    const std::vector<std::u16string> listed{u"00:00.200"};
+    EXPECT_EQ(
+        std::tuple(view.menus[1].EditTimes, view.menus[1].DelTimes, view.menus[1].DelFromEnabled),
+        std::tuple(listed, listed, true));
     // From another line, the highlight returns to the remembered pair.
     EXPECT_EQ(Cursor(), std::pair(1, 2));
-    EXPECT_EQ(view.redrawn.back().line, 1);
-    EXPECT_TRUE(view.redrawn.back().highlighted);
+    EXPECT_EQ(std::pair(view.redrawn.back().line, view.redrawn.back().highlighted),
+              std::pair(1, true));
 }
 
 TEST_F(TimingTest, MenuDeleteFromCutsTheWholeLyricOff) {
@@ -205,9 +202,9 @@ TEST_F(TimingTest, PreviewFollowsThePlayPositionOnlyForTheEditorsTrack) {
     PressRight({1000, 1000, 2000, 3000});
     editor.cmdNext_Click();
     ASSERT_EQ(editor.Step(), 3);
-    EXPECT_TRUE(timer.enabled);
-    EXPECT_EQ(timer.interval, 12);  // half of 25 ms, halves to even
-    EXPECT_FALSE(editor.lastTimeSet());
+    // Half of 25 ms, halves to even.
+    EXPECT_EQ(std::tuple(timer.enabled, timer.interval, editor.lastTimeSet()),
+              std::tuple(true, 12, false));
     globals.PlayPosition = 2500;
     timer.tick();
     EXPECT_EQ(Cursor(), std::pair(0, 2));
@@ -223,9 +220,8 @@ TEST_F(TimingTest, PreviewFollowsThePlayPositionOnlyForTheEditorsTrack) {
     EXPECT_EQ(Times(Word(1, 0)), Ints{});
     // Back to timing: the timer stops and the highlight is reset.
     editor.cmdBack_Click();
-    EXPECT_FALSE(timer.enabled);
-    EXPECT_EQ(editor.curLine(), kUnset);
-    EXPECT_EQ(editor.Stream(), nullptr);
+    EXPECT_EQ(std::tuple(timer.enabled, editor.curLine(), editor.Stream() == nullptr),
+              std::tuple(false, kUnset, true));
 }
 
 }  // namespace

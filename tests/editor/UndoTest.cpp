@@ -65,14 +65,12 @@ class UndoTest : public EditorTest {};
 
 TEST_F(UndoTest, StampsUndoAndRedoWithTheKeysAndEachChangeMutates) {
     StartTiming(u"one two\r\nthree four");
-    std::vector<int32_t> mutations{editor.Lyric()->Mutation()};
-    Press(kKeyRight, 100);
-    mutations.push_back(editor.Lyric()->Mutation());
-    Press(kKeyRight, 200);
-    mutations.push_back(editor.Lyric()->Mutation());
-    Press(kKeyLeft, 250);  // again
-    EXPECT_NE(editor.Lyric()->Mutation(), mutations.back());
-    EXPECT_NE(mutations[0], mutations[1]);
+    // The last press is the again key.
+    for (const auto& [key, at] : {std::pair{kKeyRight, 100}, {kKeyRight, 200}, {kKeyLeft, 250}}) {
+        const int32_t before = editor.Lyric()->Mutation();
+        Press(key, at);
+        EXPECT_NE(editor.Lyric()->Mutation(), before) << at;
+    }
 
     editor.pb_Main_KeyDown(kKeyZ, kCtrlMask);  // the correction
     EXPECT_EQ(Records(), u"[100]<200>one<> <>two\r\n[]<>three<> <>four\r\n");

@@ -66,9 +66,7 @@ class FakeEditorView : public iEditorView {
         if (!onAdv) return false;
         for (;;) {
             if (!onAdv(dialog)) return false;
-            const int32_t bad = dialog.cmdOk();
-            if (bad < 0) return true;
-            advRefused.push_back(bad);
+            if (dialog.cmdOk() < 0) return true;
         }
     }
     void OpenEditTime(cEditTime& dialog) override {
@@ -108,7 +106,6 @@ class FakeEditorView : public iEditorView {
     std::vector<cEditorMenu> menus;
     int advOpened = 0;
     std::vector<std::u16string> advPrefill;
-    std::vector<int32_t> advRefused;
     std::vector<std::u16string> editTimeShown;
     std::vector<std::u16string> infoShown;
     std::vector<Redrawn> redrawn;

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/cPlugin.h"
@@ -24,22 +25,13 @@ class FakePluginChannel : public PluginChannel {
         sent.push_back({window, command, argument});
         if (script) return script(window, command, argument);
         if (dead) return 0;
-        switch (command) {
-            case kCmdRegister:
-                return registerAnswer;
-            case kCmdPosition:
-                return position;
-            case kCmdPlaylistPos:
-                return playlistPosition;
-            case kCmdAlive:
-                return alive ? 1 : 0;
-            case kCmdPlayerWindow:
-                return playerWindow;
-            case kCmdLengthUnit:
-                return lengthUnit;
-            default:
-                return 0;
-        }
+        const std::pair<int32_t, int32_t> answers[] = {
+            {kCmdRegister, registerAnswer},      {kCmdPosition, position},
+            {kCmdPlaylistPos, playlistPosition}, {kCmdAlive, alive ? 1 : 0},
+            {kCmdPlayerWindow, playerWindow},    {kCmdLengthUnit, lengthUnit}};
+        for (const auto& [code, answer] : answers)
+            if (code == command) return answer;
+        return 0;
     }
     int32_t FindPluginWindow() override {
         ++findCalls;

@@ -8,10 +8,7 @@ namespace toval::test {
 class FakeTimer : public Timer {
   public:
     int32_t Interval() const override { return interval; }
-    void setInterval(int32_t ms) override {
-        interval = ms;
-        ++intervalChanges;
-    }
+    void setInterval(int32_t ms) override { interval = ms; }
     bool Enabled() const override { return enabled; }
     void setEnabled(bool on) override {
         enabled = on;
@@ -27,7 +24,6 @@ class FakeTimer : public Timer {
 
     int32_t interval = 0;
     bool enabled = false;
-    int intervalChanges = 0;
     int enableChanges = 0;
 };
 

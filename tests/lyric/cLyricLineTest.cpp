@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <vector>
 
 #include "base/mNumber.h"
-#include "base/mRightToLeft.h"
 #include "fakes/FakeMeasureSurface.h"
 #include "lyric/cLyricWord.h"
 
@@ -70,12 +70,12 @@ TEST(cLyricWord, ReadsAndWritesWordRecords) {
     EXPECT_EQ(w.Load(), u"<12340><65000>love ");
     w.RemoveTime(0);
     EXPECT_EQ(w.Load(), u"<65000>love ");
-    EXPECT_EQ(w.GetTime(1), nullptr);
-    EXPECT_EQ(w.GetTime(-1), nullptr);
+    EXPECT_FALSE(w.GetTime(1) || w.GetTime(-1));
     w.RemoveTimeAll();
     EXPECT_EQ(w.Load(), u"<>love ");
+    // A bad tag is written as no time and reads back as no time.
     w.setLoad(u"<01:xx>x");
-    EXPECT_EQ(w.Load(), u"<-2147483648>x");  // and reads back as no time
+    EXPECT_EQ(w.Load(), u"<-2147483648>x");
     w.setLoad(w.Load());
     EXPECT_EQ(Times(w), std::vector<int32_t>{kUnset});
 }
@@ -172,16 +172,14 @@ TEST(cLyricLine, DisplayTextAndLrcForm) {
     EXPECT_EQ(m.TextRebuild(), u"\u05D0  b");
 }
 
-TEST(cLyricLine, EmptinessAndSimplicity) {
+TEST(cLyricLine, EmptinessSimplicityAndEditingWords) {
     cLyricLine l;
     l.setLoad(u"[]");
-    EXPECT_TRUE(l.IsEmpty());
     EXPECT_TRUE(l.Simple());
-    EXPECT_EQ(l.Load(), u"[]");
-    l.setText(u"   ");
-    EXPECT_TRUE(l.IsEmpty());
-    l.setText(u"\t");
-    EXPECT_FALSE(l.IsEmpty());
+    for (const auto& [text, empty] : {std::pair{u"", true}, {u"   ", true}, {u"\t", false}}) {
+        l.setText(text);
+        EXPECT_EQ(l.IsEmpty(), empty) << Narrow(text);
+    }
     l.setText(u" ");
     l.AddWord(Word(u" "));
     EXPECT_FALSE(l.IsEmpty());  // a line with a word is never empty
@@ -194,7 +192,6 @@ TEST(cLyricLine, EmptinessAndSimplicity) {
     k.setLoad(u"[3]a");
     EXPECT_FALSE(k.Simple());
 
-    // Editing words.
     k.setLoad(u"[]<1>a<2>b");
     k.InsertWord(1, Word(u"x"));
     k.InsertWord(99, Word(u"z"));
@@ -219,25 +216,13 @@ TEST(cLyricLine, LaysWordsOutByMeasuredPrefixes) {
     l.setAuxPictureBox(&surface);
     l.Resize();
     EXPECT_EQ(surface.measured, (std::vector<std::u16string>{u"ab", u"abc"}));
-    auto w0 = l.GetWord(0)->Delta(), w1 = l.GetWord(1)->Delta();
-    EXPECT_EQ(w0->Initial()->X(), 5);
-    EXPECT_EQ(w0->Final()->X(), 25);
-    EXPECT_EQ(w1->Initial()->X(), 25);
-    EXPECT_EQ(w1->Final()->X(), 35);
-    EXPECT_EQ(w1->Initial()->Y(), 16);
-    EXPECT_EQ(w1->Final()->Y(), 32);
-    EXPECT_EQ(w1->Diff()->X(), 10);
-}
-
-TEST(mRightToLeft, RecognisesRightToLeftScriptsAndMarks) {
-    const char16_t* yes[] = {u"\u05BE", u"\u07B1", u"abc\u0627", u"\uFB1D",
-                             u"\uFEFC", u"\u202B", u"\u202E",    u"\u200F"};
-    const char16_t* no[] = {u"",       u"abc",    u"\u05BD", u"\u07B2",
-                            u"\uFB1C", u"\uFEFD", u"\u202A", u"\u200E"};
-    for (auto* t : yes)
-        EXPECT_TRUE(IsRightToLeft(t)) << Narrow(t);
-    for (auto* t : no)
-        EXPECT_FALSE(IsRightToLeft(t)) << Narrow(t);
+    const auto box = [&](int32_t w) {
+        const auto d = l.GetWord(w)->Delta();
+        return std::array{d->Initial()->X(), d->Initial()->Y(), d->Final()->X(), d->Final()->Y()};
+    };
+    EXPECT_EQ(box(0), (std::array{5, 16, 25, 32}));
+    EXPECT_EQ(box(1), (std::array{25, 16, 35, 32}));
+    EXPECT_EQ(l.GetWord(1)->Delta()->Diff()->X(), 10);
 }
 
 }  // namespace

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <tuple>
+
 #include "base/mFile.h"
 #include "base/mString.h"
 #include "fakes/CapturedTrail.h"
@@ -20,25 +23,23 @@ constexpr char16_t kTimedTvl[] =
     u"[15500]<15500>Sec<15900>ond <16400>line\r\n"
     u"[]\r\n";
 
+// A box as left, top, right, bottom.
+std::array<int32_t, 4> Box(const std::shared_ptr<cDelta>& d) {
+    return {d->Initial()->X(), d->Initial()->Y(), d->Final()->X(), d->Final()->Y()};
+}
+
 TEST(cLyric, LoadsAndWritesTheTvlDocument) {
     cLyric empty;
     empty.setLoad(u"");
-    EXPECT_EQ(empty.GetLineSize(), 0);
     EXPECT_TRUE(empty.Simple());
-    EXPECT_EQ(empty.Delta()->Final()->X(), 0);
-    EXPECT_EQ(empty.Delta()->Final()->Y(), 0);
-    EXPECT_EQ(empty.TextHeight(), kUnset);
+    EXPECT_EQ(std::tuple(empty.GetLineSize(), empty.TextHeight()), std::tuple(0, kUnset));
     EXPECT_EQ(empty.TVL(), u"[PROPERTY]\r\nMUTATION:-2147483648\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY]");
 
     cLyric l;
     l.setLoad(kTimedTvl);
-    ASSERT_EQ(l.GetLineSize(), 3);
     EXPECT_FALSE(l.Simple());
-    EXPECT_EQ(l.Mutation(), 1804289383);
-    EXPECT_EQ(l.TrackLength(), 215000);
-    EXPECT_FALSE(l.RightToLeft());
-    EXPECT_EQ(l.GetLine(1)->Text(), u"Second line");
-    EXPECT_EQ(l.GetLine(1)->GetWord(2)->GetTime(0)->Time(), 16400);
+    EXPECT_EQ(std::tuple(l.GetLineSize(), l.Mutation(), l.TrackLength()),
+              std::tuple(3, 1804289383, 215000));
     EXPECT_EQ(l.GetLine(3), nullptr);
     EXPECT_EQ(l.TVL(), kTimedTvl);
     EXPECT_EQ(l.Text(), u"First line\r\nSecond line\r\n\r\n");
@@ -48,13 +49,7 @@ TEST(cLyric, LoadsAndWritesTheTvlDocument) {
     // line time only.
     cLyric back;
     back.setLoad(u"[00:01.234]a\r\n" + l.LRC(nullptr));
-    EXPECT_EQ(back.GetLine(0)->GetTime(0)->Time(), 1234);
-    EXPECT_EQ(back.GetLine(2)->GetTime(0)->Time(), 15500);
-    EXPECT_EQ(back.GetLine(2)->GetWordSize(), 0);
-
-    l.RemoveLine(0);
-    EXPECT_EQ(l.GetLineSize(), 2);
-    EXPECT_EQ(l.GetLine(0)->Text(), u"Second line");
+    EXPECT_EQ(back.Load(), u"[1234]a\r\n[12000]First line\r\n[15500]Second line\r\n[0]\r\n");
 }
 
 TEST(cLyric, SimpleLyricsAreWrittenAsPlainText) {
@@ -68,53 +63,40 @@ TEST(cLyric, SimpleLyricsAreWrittenAsPlainText) {
               u"[PROPERTY]\r\nMUTATION:-2147483648\r\nTRACKLENGTH:1000\r\nRIGHTTOLEFT:1\r\n"
               u"[\\PROPERTY]one\r\n\r\n\u05D0\r\na b\r\n");
     EXPECT_EQ(l.Text(), u"one\r\n\r\n\u05D0\r\na b\r\n");
-
     cLyric again;
     again.setLoad(tvl);
-    EXPECT_TRUE(again.RightToLeft());
-    EXPECT_EQ(again.TrackLength(), 1000);
-    EXPECT_EQ(again.GetLineSize(), 4);
     EXPECT_EQ(again.TVL(), tvl);
 }
 
 TEST(cLyric, KeepsLeadingIdTagsOnly) {
+    const struct {
+        const char16_t *text, *tags, *records;
+    } cases[] = {
+        // A later tag is an ordinary untimed line.
+        {u"[ar:A]\r\n[ti:T]\r\n[00:01.00]x\r\n[al:later]", u"[ar:A]\r\n[ti:T]\r\n",
+         u"[1000]x\r\n[]\r\n"},
+        {u"[ar:Someone]\r\n[00:01.50]Hi", u"[ar:Someone]\r\n", u"[1500]Hi\r\n"},
+        // An empty first piece ends the header; a tag with nothing between the
+        // brackets is not an ID tag; a complete property section ends it too.
+        {u"\r\n[ar:x]\r\n", u"", u"[]\r\n[]\r\n"},
+        {u"[]x\r\n[ar:x]", u"", u"[]x\r\n[]\r\n"},
+        {u"[PROPERTY]\r\n[\\PROPERTY][ar:x]\r\n", u"", u"[]\r\n"},
+    };
+    for (const auto& c : cases) {
+        cLyric l;
+        l.setLoad(c.text);
+        EXPECT_EQ(l.IDTags(), c.tags);
+        EXPECT_EQ(l.Load(), c.records);
+    }
     cLyric l;
-    l.setLoad(u"[ar:A]\r\n[ti:T]\r\n[00:01.00]x\r\n[al:later]");
-    ASSERT_EQ(l.GetLineSize(), 2);
-    EXPECT_EQ(l.IDTags(), u"[ar:A]\r\n[ti:T]\r\n");
-    EXPECT_EQ(l.GetLine(0)->GetTime(0)->Time(), 1000);
-    EXPECT_EQ(l.GetLine(1)->Text(), u"");  // a later tag is an ordinary untimed line
-    EXPECT_EQ(l.GetLine(1)->GetTimeSize(), 0);
+    l.setLoad(cases[0].text);
     EXPECT_EQ(l.LRC(nullptr), u"[ar:A]\r\n[ti:T]\r\n[00:01.00]x\r\n[00:00.00]\r\n");
-
     // Without kept tags the track's header is written.
     cMusic track;
     track.setArtist(u"Someone");
-    track.setTitle(u"Song");
     cLyric plain;
     plain.setLoad(u"[00:01.50]Hi");
-    EXPECT_EQ(plain.IDTags(), u"");
     EXPECT_EQ(plain.LRC(std::make_shared<cMusic>(track)), track.IDTag() + u"[00:01.50]Hi\r\n");
-
-    cLyric lrc;
-    lrc.setLoad(u"[ar:Someone]\r\n[00:01.50]Hi");
-    ASSERT_EQ(lrc.GetLineSize(), 1);
-    EXPECT_EQ(lrc.GetLine(0)->GetTime(0)->Time(), 1500);
-    EXPECT_EQ(lrc.IDTags(), u"[ar:Someone]\r\n");
-
-    // An empty first piece ends the header; a tag with nothing between the
-    // brackets is not an ID tag.
-    cLyric gap;
-    gap.setLoad(u"\r\n[ar:x]\r\n");
-    EXPECT_EQ(gap.IDTags(), u"");
-    EXPECT_EQ(gap.GetLineSize(), 2);
-    gap.setLoad(u"[]x\r\n[ar:x]");
-    EXPECT_EQ(gap.IDTags(), u"");
-    // A complete property section turns header mode off.
-    cLyric tvl;
-    tvl.setLoad(u"[PROPERTY]\r\n[\\PROPERTY][ar:x]\r\n");
-    EXPECT_EQ(tvl.IDTags(), u"");
-    EXPECT_EQ(tvl.GetLineSize(), 1);
 }
 
 // LRC files as other programs and the web write them, each read into the
@@ -181,36 +163,26 @@ TEST(cLyric, ReadsLrcFilesAsUsersHaveThem) {
         // clang-format on
     };
     for (const auto& c : stamps) {
-        int32_t ms = kUnset;
-        EXPECT_EQ(ParseLrcStamp(c.stamp, ms), c.ms != kUnset)
-            << testing::PrintToString(std::u16string(c.stamp));
-        if (c.ms != kUnset) {
-            EXPECT_EQ(ms, c.ms);
-        }
+        int32_t ms = 7;
+        const bool stamp = ParseLrcStamp(c.stamp, ms);
+        EXPECT_EQ(stamp ? ms : kUnset, c.ms) << testing::PrintToString(std::u16string(c.stamp));
     }
 }
 
 // Files from other systems: UTF-16 behind a mark, Windows-1252, and what is no
 // text at all.
 TEST(cLyric, ReadsTextFilesInTheirEncodings) {
+    using namespace std::string_literals;
     const struct {
         std::string bytes;
         const char16_t* text;  // nullptr: not text
     } cases[] = {
-        {std::string("\xFF\xFE[\0"
-                     "1\0]\0\xAC\x20",
-                     10),
-         u"[1]\u20AC"},
-        {std::string("\xFE\xFF\0[\0"
-                     "1\0]\x20\xAC",
-                     10),
-         u"[1]\u20AC"},
+        {"\xFF\xFE[\0001\000]\000\xAC\x20"s, u"[1]\u20AC"},
+        {"\xFE\xFF\000[\0001\000]\x20\xAC"s, u"[1]\u20AC"},
         {"\xEF\xBB\xBF[1]\x93q\x94", u"[1]\u201Cq\u201D"},
         {"[1]\x96 \x80 caf\xE9", u"[1]\u2013 \u20AC caf\u00E9"},
-        {std::string("ID3\x03\0\0\0\0", 9), nullptr},
-        {"\x01\x02\x03\x04\x05\x06\x07\x08\x0B\x0E"
-         "ab",
-         nullptr},
+        {"ID3\x03\0\0\0\0\0"s, nullptr},
+        {"\x01\x02\x03\x04\x05\x06\x07\x08\x0B\x0E\x61\x62", nullptr},
         {"\t\r\n\f", u"\t\r\n\f"},
     };
     test::TempDir dir;
@@ -218,10 +190,8 @@ TEST(cLyric, ReadsTextFilesInTheirEncodings) {
     for (const auto& c : cases) {
         ASSERT_TRUE(SaveFile(file, c.bytes, 1, true));
         const std::u16string text = FileRead(file);
-        EXPECT_EQ(IsText(text), c.text != nullptr) << testing::PrintToString(c.bytes);
-        if (c.text) {
-            EXPECT_EQ(text, c.text);
-        }
+        EXPECT_EQ(IsText(text) ? text : u"(no text)", c.text ? c.text : u"(no text)")
+            << testing::PrintToString(c.bytes);
     }
 }
 
@@ -230,11 +200,8 @@ TEST(cLyric, ReadsPropertySections) {
     l.setLoad(
         u"ignored before[PROPERTY]\r\nmutation:5\r\nRIGHTTOLEFT:yes\r\nnocolon\r\n"
         u"TrackLength: 2.5 \r\nOTHER:1\r\n[\\PROPERTY]a");
-    EXPECT_EQ(l.Mutation(), 5);
-    EXPECT_FALSE(l.RightToLeft());
-    EXPECT_EQ(l.TrackLength(), 2);
-    ASSERT_EQ(l.GetLineSize(), 1);
-    EXPECT_EQ(l.GetLine(0)->Text(), u"a");
+    EXPECT_EQ(std::tuple(l.Mutation(), l.RightToLeft(), l.TrackLength(), l.Load()),
+              std::tuple(5, false, 2, u"[]a\r\n"));
 
     const struct {
         const char16_t* section;
@@ -255,25 +222,17 @@ TEST(cLyric, ReadsPropertySections) {
         cLyric p;
         p.setMutation(3);
         p.setProperties(c.section);
-        EXPECT_EQ(p.Mutation(), c.mutation);
-        EXPECT_EQ(p.RightToLeft(), c.rightToLeft);
+        EXPECT_EQ(std::pair(p.Mutation(), p.RightToLeft()), std::pair(c.mutation, c.rightToLeft));
     }
     ASSERT_EQ(trail.lines.size(), 1u);
     EXPECT_EQ(trail.lines[0][0], "cLyric.Properties [Let]");
 
     // Without its end marker the section is read as lines, the start marker
-    // included.
+    // included: "[PROPERTY]" holds no ":", so it is the time 0.
     cLyric broken;
     broken.setLoad(u"[PROPERTY]\r\nMUTATION:5\r\n[]a");
     EXPECT_EQ(broken.Mutation(), kUnset);
-    ASSERT_EQ(broken.GetLineSize(), 3);
-    // "[PROPERTY]" reads as a line tag: no ":" in it, so it is the time 0.
-    EXPECT_EQ(broken.GetLine(0)->Text(), u"");
-    EXPECT_EQ(broken.GetLine(0)->GetTime(0)->Time(), 0);
-    EXPECT_FALSE(broken.Simple());
-    EXPECT_EQ(broken.GetLine(1)->Text(), u"MUTATION:5");
-    EXPECT_EQ(broken.GetLine(1)->GetTimeSize(), 0);
-    EXPECT_EQ(broken.GetLine(2)->Text(), u"a");
+    EXPECT_EQ(broken.Load(), u"[0]\r\n[]MUTATION:5\r\n[]a\r\n");
 }
 
 TEST(cLyric, MutationStaysAPositive32BitNumber) {
@@ -300,52 +259,45 @@ TEST(cLyric, LaysOutLinesAndWords) {
     none.setAuxPictureBox(&surface);
     none.setLoad(u"");
     EXPECT_EQ(surface.doEvents, 2);
-    EXPECT_EQ(l.Delta()->Final()->X(), 40);
-    EXPECT_EQ(l.Delta()->Final()->Y(), 48);  // an empty line is as high as any
-    EXPECT_EQ(l.TextHeight(), 16);
-    auto line0 = l.GetLine(0);
-    EXPECT_EQ(line0->Delta()->Initial()->X(), 0);
-    EXPECT_EQ(line0->Delta()->Final()->X(), 40);
-    EXPECT_EQ(l.GetLine(2)->Delta()->Initial()->Y(), 32);
-    EXPECT_EQ(l.GetLine(2)->Delta()->Final()->Y(), 48);
-    EXPECT_EQ(line0->GetWord(1)->Delta()->Initial()->X(), 20);
-    EXPECT_EQ(line0->AuxPictureBox(), nullptr);  // given back after layout
-
+    // An empty line is as high as any.
+    EXPECT_EQ(std::tuple(l.Delta()->Final()->X(), l.Delta()->Final()->Y(), l.TextHeight()),
+              std::tuple(40, 48, 16));
+    EXPECT_EQ(Box(l.GetLine(0)->Delta()), (std::array{0, 0, 40, 16}));
+    EXPECT_EQ(Box(l.GetLine(2)->Delta()), (std::array{0, 32, 10, 48}));
+    EXPECT_EQ(Box(l.GetLine(0)->GetWord(1)->Delta()), (std::array{20, 0, 40, 16}));
+    EXPECT_EQ(l.GetLine(0)->AuxPictureBox(), nullptr);  // given back after layout
     l.setAlignment(2);
     l.Resize();
-    EXPECT_EQ(l.GetLine(2)->Delta()->Initial()->X(), 30);
-    EXPECT_EQ(l.GetLine(2)->Delta()->Final()->X(), 40);
+    EXPECT_EQ(Box(l.GetLine(2)->Delta()), (std::array{30, 32, 40, 48}));
 
-    // Centring rounds half to even: 101 px spare gives 50, 103 gives 52.
+    // Centring rounds half to even: 101 px spare gives 50, 103 gives 52;
+    // a word: (200-3)/2=98.5 -> 98, +2.
     test::FakeMeasureSurface narrow(1, 10);
     cLyric c;
     c.setAlignment(3);
     c.setAuxPictureBox(&narrow);
     c.setLoad(std::u16string(200, u'w') + u"\r\n" + std::u16string(99, u'n') + u"\r\n" +
               std::u16string(97, u'n') + u"\r\n" + u"<>ab<>c");
-    EXPECT_EQ(c.GetLine(1)->Delta()->Initial()->X(), 50);
-    EXPECT_EQ(c.GetLine(2)->Delta()->Initial()->X(), 52);
-    EXPECT_EQ(c.GetLine(2)->Delta()->Final()->X(), 149);
-    EXPECT_EQ(c.GetLine(3)->GetWord(1)->Delta()->Initial()->X(), 100);  // (200-3)/2=98.5 -> 98, +2
+    EXPECT_EQ(Box(c.GetLine(1)->Delta())[0], 50);
+    EXPECT_EQ(Box(c.GetLine(2)->Delta()), (std::array{52, 20, 149, 30}));
+    EXPECT_EQ(c.GetLine(3)->GetWord(1)->Delta()->Initial()->X(), 100);
 
     // Other alignments leave X alone and lay out no words.
     c.setAlignment(4);
     c.GetLine(1)->Delta()->setInitial(std::make_shared<c2DPoint>(7, 0));
     c.Resize();
-    EXPECT_EQ(c.GetLine(1)->Delta()->Initial()->X(), 7);
-    EXPECT_EQ(c.GetLine(1)->Delta()->Initial()->Y(), 10);
+    EXPECT_EQ(Box(c.GetLine(1)->Delta())[0], 7);
+    EXPECT_EQ(Box(c.GetLine(1)->Delta())[1], 10);
 
-    // No surface: positions are kept.
+    // No surface: positions are kept; the height rounds half to even.
     cLyric bare;
     bare.setLoad(u"a\r\nb");
     EXPECT_EQ(bare.GetLine(0)->Delta()->Final()->Y(), kUnset);
     EXPECT_EQ(bare.Delta()->Final()->Y(), 0);
-
-    // The height rounds half to even.
-    bare.Delta()->setFinal(std::make_shared<c2DPoint>(0, 5));
-    EXPECT_EQ(bare.TextHeight(), 2);
-    bare.Delta()->setFinal(std::make_shared<c2DPoint>(0, 7));
-    EXPECT_EQ(bare.TextHeight(), 4);
+    for (const auto& [bottom, height] : {std::pair{5, 2}, {7, 4}}) {
+        bare.Delta()->setFinal(std::make_shared<c2DPoint>(0, bottom));
+        EXPECT_EQ(bare.TextHeight(), height);
+    }
 }
 
 }  // namespace

@@ -2,9 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <string>
+#include <tuple>
 
 #include "fakes/TempDir.h"
 
@@ -39,17 +38,11 @@ TEST(cMusic, ResetLeavesZeroMillisecondsFromTheWrappedUnknownLength) {
     music.setID(5);
     music.setFileSize(6);
     music.Reset();
-    EXPECT_EQ(music.Title(), u"");
-    EXPECT_EQ(music.Artist(), u"");
-    EXPECT_EQ(music.Album(), u"");
-    EXPECT_EQ(music.MiliDuration(), 0);
-    EXPECT_EQ(music.Duration(), 0);
-    EXPECT_EQ(music.ID(), kUnset);
-    EXPECT_EQ(music.FileSize(), 6);
-
+    EXPECT_EQ(music.InfoW(), u" -  -  - 0");
+    EXPECT_EQ(std::tuple(music.MiliDuration(), music.ID(), music.FileSize()),
+              std::tuple(0, kUnset, 6));
     const cMusic fresh;
-    EXPECT_EQ(fresh.MiliDuration(), 0);
-    EXPECT_EQ(fresh.ID(), kUnset);
+    EXPECT_EQ(std::pair(fresh.MiliDuration(), fresh.ID()), std::pair(0, kUnset));
 }
 
 TEST(cMusic, TheIdentifierSumsCodePageBytesTimesPositionsIn16Bits) {
@@ -68,19 +61,16 @@ TEST(cMusic, TheIdentifierSumsCodePageBytesTimesPositionsIn16Bits) {
 TEST(cMusic, FileAddressMeasuresTheFileOnEveryWriteAndKeepsTheIdOfAnEqualPath) {
     TempDir dir;
     const std::u16string path = dir.file(u"track.mp3");
-    std::ofstream(std::filesystem::path(path), std::ios::binary) << "12345";
-
+    dir.Write("track.mp3", "12345");
     cMusic music;
     music.setFileAddress(path);
     EXPECT_EQ(music.FileAddress(), path);
-    EXPECT_EQ(music.ID(), cMusic::ComputeID(path));
-    EXPECT_EQ(music.FileSize(), 5);
+    EXPECT_EQ(std::pair(music.ID(), music.FileSize()), std::pair(cMusic::ComputeID(path), 5));
 
-    std::ofstream(std::filesystem::path(path), std::ios::binary) << "123456789";
+    dir.Write("track.mp3", "123456789");
     music.setID(7);
     music.setFileAddress(path);
-    EXPECT_EQ(music.ID(), 7);
-    EXPECT_EQ(music.FileSize(), 9);
+    EXPECT_EQ(std::pair(music.ID(), music.FileSize()), std::pair(7, 9));
 
     // A path that differs only in case is another path.
     const std::u16string other = dir.file(u"TRACK.mp3");
@@ -89,12 +79,10 @@ TEST(cMusic, FileAddressMeasuresTheFileOnEveryWriteAndKeepsTheIdOfAnEqualPath) {
     EXPECT_NE(music.ID(), 7);
 
     // Missing files and folders cannot be measured: the size stays.
-    music.setFileAddress(dir.file(u"gone.mp3"));
-    EXPECT_EQ(music.FileSize(), 9);
-    music.setFileAddress(dir.folder());
-    EXPECT_EQ(music.FileSize(), 9);
-    music.setFileAddress(u"");
-    EXPECT_EQ(music.FileSize(), 9);
+    for (const std::u16string& gone : {dir.file(u"gone.mp3"), dir.folder(), std::u16string()}) {
+        music.setFileAddress(gone);
+        EXPECT_EQ(music.FileSize(), 9);
+    }
     EXPECT_EQ(music.ID(), kUnset);
 }
 

@@ -62,16 +62,16 @@ TEST(cTime, ParsesNumbersAndMinuteSecondForms) {
 }
 
 TEST(cTime, ComparesWithTheirOwnConventions) {
-    cTime five(5), zero(0), seven(7);
-    EXPECT_EQ(five.Compare(cTime(5)), 0);
-    EXPECT_EQ(five.Compare(seven), 1);  // the other is later
-    EXPECT_EQ(seven.Compare(five), 2);
-    EXPECT_EQ(zero.LongCompare(0), 0);
-    EXPECT_EQ(zero.LongCompare(-100), 0);  // zero answers 0 whatever ms is
-    EXPECT_EQ(five.LongCompare(0), 1);     // this one is later
-    EXPECT_EQ(five.LongCompare(5), 2);     // equal and not zero: 2
-    EXPECT_EQ(five.LongCompare(9), 2);
-    EXPECT_EQ(cTime(kUnset).LongCompare(kUnset), 2);
+    // Compare: 1 when the other is later, 2 when earlier. LongCompare: zero
+    // answers 0 whatever ms is; 1 when this one is later; equal and not zero: 2.
+    const struct {
+        int32_t time, other, compare, longCompare;
+    } cases[] = {{5, 5, 0, 2},    {5, 7, 1, 2}, {7, 5, 2, 1},          {0, 0, 0, 0},
+                 {0, -100, 2, 0}, {5, 0, 2, 1}, {kUnset, kUnset, 0, 2}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(cTime(c.time).Compare(cTime(c.other)), c.compare) << c.time << " " << c.other;
+        EXPECT_EQ(cTime(c.time).LongCompare(c.other), c.longCompare) << c.time << " " << c.other;
+    }
 }
 
 TEST(cTime, SplitsAndJoinsFields) {
@@ -80,18 +80,15 @@ TEST(cTime, SplitsAndJoinsFields) {
     EXPECT_EQ(t.Time(), 60000 + 75000 + 1500);
     t.setTime(0, 1, 250, true);
     EXPECT_EQ(t.Time(), -1250);
-
     int32_t m = 9, s = 9, ms = 9;
     bool negative = true;
     cTime(-61005).GetTime(m, s, ms, negative);
     EXPECT_EQ(std::tie(m, s, ms, negative), std::make_tuple(1, 1, 5, true));
     cTime(kUnset).GetTime(m, s, ms, negative);
     EXPECT_EQ(std::tie(m, s, ms, negative), std::make_tuple(0, 0, 0, false));
-
-    EXPECT_EQ(cTime(-1500).Seconds(), -2);
-    EXPECT_EQ(cTime(-1000).Seconds(), -1);
-    EXPECT_EQ(cTime(1999).Seconds(), 1);
-    EXPECT_EQ(cTime(kUnset).Seconds(), -2147484);
+    for (const auto& [time, seconds] :
+         {std::pair{-1500, -2}, {-1000, -1}, {1999, 1}, {kUnset, -2147484}})
+        EXPECT_EQ(cTime(time).Seconds(), seconds) << time;
 
     // A sum beyond 32 bits, or negating the smallest value, changes nothing.
     t.setTime(123);
@@ -105,31 +102,27 @@ TEST(cTime, SplitsAndJoinsFields) {
 
 TEST(cDelta, DiffIsTheAbsoluteSpanOfSetCoordinates) {
     cDelta d;
-    EXPECT_EQ(d.Diff()->X(), kUnset);
-    d.setInitial(std::make_shared<c2DPoint>(30, 5));
-    d.setFinal(std::make_shared<c2DPoint>(10, kUnset));
-    EXPECT_EQ(d.Diff()->X(), 20);  // a span has no direction
-    EXPECT_EQ(d.Diff()->Y(), kUnset);
-
+    const auto diff = [&] { return std::pair(d.Diff()->X(), d.Diff()->Y()); };
+    const auto set = [&](int32_t x0, int32_t y0, int32_t x1, int32_t y1) {
+        d.setInitial(std::make_shared<c2DPoint>(x0, y0));
+        d.setFinal(std::make_shared<c2DPoint>(x1, y1));
+    };
+    EXPECT_EQ(diff(), std::pair(kUnset, kUnset));
+    set(30, 5, 10, kUnset);
+    EXPECT_EQ(diff(), std::pair(20, kUnset));  // a span has no direction
     // Replacing a point refreshes the span; editing one in place does not.
     d.Final()->setX(100);
-    EXPECT_EQ(d.Diff()->X(), 20);
+    EXPECT_EQ(diff(), std::pair(20, kUnset));
     d.setFinal(std::make_shared<c2DPoint>(100, 25));
-    EXPECT_EQ(d.Diff()->X(), 70);
-    EXPECT_EQ(d.Diff()->Y(), 20);
-
+    EXPECT_EQ(diff(), std::pair(70, 20));
     // A span too wide for 32 bits keeps the previous size from there on:
     // X is recomputed before Y.
-    d.setInitial(std::make_shared<c2DPoint>(-INT32_MAX, 0));
-    d.setFinal(std::make_shared<c2DPoint>(INT32_MAX, 0));
-    EXPECT_EQ(d.Diff()->X(), 70);
-    EXPECT_EQ(d.Diff()->Y(), 20);
-    d.setInitial(std::make_shared<c2DPoint>(1, -INT32_MAX));
-    d.setFinal(std::make_shared<c2DPoint>(4, INT32_MAX));
-    EXPECT_EQ(d.Diff()->X(), 3);
-    EXPECT_EQ(d.Diff()->Y(), 20);
+    set(-INT32_MAX, 0, INT32_MAX, 0);
+    EXPECT_EQ(diff(), std::pair(70, 20));
+    set(1, -INT32_MAX, 4, INT32_MAX);
+    EXPECT_EQ(diff(), std::pair(3, 20));
     d.setInitial(nullptr);
-    EXPECT_EQ(d.Diff()->X(), 3);
+    EXPECT_EQ(diff().first, 3);
 }
 
 }  // namespace
