@@ -25,6 +25,7 @@ struct Raised {
     int32_t result, id;
     std::u16string lyric;
     cNetError error;
+    bool operator==(const Raised&) const = default;
 };
 
 class TovalSiteTest : public ::testing::Test {
@@ -214,10 +215,7 @@ TEST_F(TovalSiteTest, AnswersBecomeOneEventWithTheRequestId) {
     // A lyric, UTF-8 with HTML line breaks and references.
     site.Load(music, 21, 0);
     answer("<html><TOVAL>[1000]Caf\xC3\xA9 &amp; more<br>[2000]two</TOVAL></html>");
-    ASSERT_EQ(raised.size(), 1u);
-    EXPECT_EQ(raised[0].result, 0);
-    EXPECT_EQ(raised[0].id, 21);
-    EXPECT_EQ(raised[0].lyric, u"[1000]Caf\u00e9 & more\r\n[2000]two");
+    EXPECT_EQ(raised, (std::vector<Raised>{{0, 21, u"[1000]Caf\u00e9 & more\r\n[2000]two", {}}}));
 
     // Nothing but a lyric leaves a lyric behind.
     site.Load(music, 22, 22);
