@@ -1,6 +1,6 @@
 // HTML clean-up of arbitrary service answers: nothing may crash, the result is
-// never longer, and nothing replaceable is left in it. (The tests compare the
-// clean-up with whole passes of replacements.)
+// never longer, and nothing replaceable is left in it. (The tests pin chains
+// of replacements case by case.)
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

@@ -21,6 +21,7 @@
 #include <thread>
 #include <vector>
 
+#include "base/cStrings.h"
 #include "cPgStore.h"
 #include "cSqliteStore.h"
 #include "fakes/TempDir.h"
@@ -68,21 +69,9 @@ std::string Exchange(int port, const std::string& request) {
     return body == std::string::npos ? std::string() : answer.substr(body + 4);
 }
 
+// A form value as the program encodes it.
 std::string Encode(const std::string& text) {
-    static const char* hex = "0123456789ABCDEF";
-    std::string out;
-    for (unsigned char c : text) {
-        if (c == ' ') {
-            out += '+';
-        } else if (std::isalnum(c)) {
-            out += static_cast<char>(c);
-        } else {
-            out += '%';
-            out += hex[c >> 4];
-            out += hex[c & 15];
-        }
-    }
-    return out;
+    return toval::cStrings().stringTOhtml(text);
 }
 
 std::string Lookup(const std::string& artist, const std::string& title) {

@@ -15,25 +15,28 @@
 namespace toval {
 namespace {
 
+using F = StringsFunction;
+
+// One call as the library saw it.
+struct Seen {
+    F function;
+    std::string first, second;
+    int32_t number;
+    bool operator==(const Seen&) const = default;
+};
+
 // A library that answers from a table and records its calls.
 class FakeLibrary : public StringsLibrary {
   public:
-    struct Seen {
-        StringsFunction function;
-        std::string first, second;
-        int32_t number;
-        bool flag;
-    };
-    bool Call(StringsFunction function, const StringsCall& call, std::string& result) override {
-        calls.push_back(
-            {function, std::string(call.first), std::string(call.second), call.number, call.flag});
+    bool Call(F function, const StringsCall& call, std::string& result) override {
+        calls.push_back({function, std::string(call.first), std::string(call.second), call.number});
         if (throws) throw std::runtime_error("crash in the library");
         const auto answer = answers.find(function);
         if (answer == answers.end()) return false;
         result = answer->second;
         return true;
     }
-    std::map<StringsFunction, std::string> answers;
+    std::map<F, std::string> answers;
     std::vector<Seen> calls;
     bool throws = false;
 };
@@ -82,89 +85,58 @@ TEST_F(StringsDLLTest, LoadedLibraryDoesTheWorkUntilItsFirstFailure) {
     FakeLoader loader;
     loader.library = std::make_shared<FakeLibrary>();
     FakeLibrary& library = *loader.library;
-    library.answers[StringsFunction::utf8TOwstring] = Wide(u"from the library");
-    library.answers[StringsFunction::wstringTOutf8uhtml] = "a%2B";
+    library.answers = {{F::utf8TOwstring, Wide(u"from the library")},
+                       {F::wstringTOutf8uhtml, "a%2B"},
+                       {F::FileRead, Wide(u"library text")},
+                       {F::FileSaveUTF8, std::string(1, '\0')},
+                       {F::FileExists, std::string(1, '\1')}};
     ASSERT_TRUE(tryLoadStringsDLL(loader));
-    ASSERT_TRUE(StringsDLLAvailable());
     EXPECT_EQ(&Strings(), StringsDLL());
 
+    const std::u16string file = dir.file(u"song.tvl");
     EXPECT_EQ(Strings().utf8TOwstring("x"), u"from the library");
     EXPECT_EQ(Strings().wstringTOutf8uhtml(u"\u00E9", 40), "a%2B");
-    ASSERT_EQ(library.calls.size(), 2u);
-    EXPECT_EQ(library.calls[0].first, "x");
-    EXPECT_EQ(library.calls[1].first, std::string("\xE9\0", 2));  // texts go as UTF-16 LE
-    EXPECT_EQ(library.calls[1].number, 40);
-    EXPECT_TRUE(trail.lines.empty());
-
-    // No answer for htmlTOtext: the built-in result, and the library is off for good.
-    EXPECT_EQ(Strings().htmlTOtext(u"&amp;"), u"&");
-    EXPECT_FALSE(StringsDLLAvailable());
-    EXPECT_EQ(StringsDLL(), nullptr);
-    EXPECT_EQ(Strings().utf8TOwstring("x"), u"x");
-    EXPECT_EQ(library.calls.size(), 3u);
-    EXPECT_EQ(trail.lines, (Lines{{"cStringsDLL.htmlTOtext",
-                                   "TovalStrings failed; using the built-in functions from now "
-                                   "on"}}));
-}
-
-TEST_F(StringsDLLTest, MalformedOrThrowingAnswersTurnTheLibraryOff) {
-    auto library = std::make_shared<FakeLibrary>();
-    {
-        cStringsDLL dll(library);
-        library->answers[StringsFunction::wcharTOwstring] = "odd";  // not a 16-bit text
-        EXPECT_EQ(dll.wcharTOwstring("A\0"), u"A");
-        EXPECT_FALSE(dll.Available());
-    }
-    {
-        cStringsDLL dll(library);
-        library->answers[StringsFunction::FileExists] = "yes";  // not a flag
-        EXPECT_FALSE(dll.FileExists(dir.file(u"missing")));
-        EXPECT_FALSE(dll.Available());
-    }
-    {
-        cStringsDLL dll(library);
-        library->throws = true;
-        EXPECT_EQ(dll.wstringTOutf8(u"\u20AC"), "\xE2\x82\xAC");
-        EXPECT_FALSE(dll.Available());
-    }
-    cStringsDLL none(nullptr);
-    EXPECT_FALSE(none.Available());
-    EXPECT_EQ(none.stringTOhtml("a b"), "a+b");
-}
-
-TEST_F(StringsDLLTest, ExtrasFallBackToTheirOwnMeaning) {
-    cStringsDLL dll(std::make_shared<FakeLibrary>());  // answers nothing
-    EXPECT_EQ(dll.wstringTOtxtuni8(u"\u00E9"), "\xEF\xBB\xBF\xC3\xA9");
-    cStringsDLL again(std::make_shared<FakeLibrary>());
-    EXPECT_EQ(again.normalizeString(u"a\r\nb\nc\rd\n\re\r"), u"a\r\nb\r\nc\r\nd\r\n\r\ne\r\n");
-}
-
-TEST_F(StringsDLLTest, FileFunctionsGoThroughTheLibraryWhileItWorks) {
-    FakeLoader loader;
-    loader.library = std::make_shared<FakeLibrary>();
-    FakeLibrary& library = *loader.library;
-    library.answers[StringsFunction::FileRead] = Wide(u"library text");
-    library.answers[StringsFunction::FileSaveUTF8] = std::string(1, '\0');
-    library.answers[StringsFunction::FileExists] = std::string(1, '\1');
-    ASSERT_TRUE(tryLoadStringsDLL(loader));
-
-    const std::u16string file = dir.file(u"song.tvl");
     EXPECT_EQ(FileRead(file), u"library text");
     // The library's save reports failure, but the result is whether the file exists.
     EXPECT_TRUE(FileSaveUTF8(file, u"x"));
-    EXPECT_EQ(library.calls[1].function, StringsFunction::FileSaveUTF8);
-    EXPECT_EQ(library.calls[1].first, Wide(file));
-    EXPECT_EQ(library.calls[1].second, Wide(u"x"));
-    EXPECT_EQ(library.calls[2].function, StringsFunction::FileExists);
     EXPECT_FALSE(std::filesystem::exists(dir.path() / "song.tvl"));
+    // Texts go as UTF-16 LE.
+    EXPECT_EQ(library.calls, (std::vector<Seen>{{F::utf8TOwstring, "x", "", 0},
+                                                {F::wstringTOutf8uhtml, Wide(u"\u00E9"), "", 40},
+                                                {F::FileRead, Wide(file), "", 0},
+                                                {F::FileSaveUTF8, Wide(file), Wide(u"x"), 0},
+                                                {F::FileExists, Wide(file), "", 0}}));
+    EXPECT_TRUE(trail.lines.empty());
 
-    // FileKill has no answer: the file is deleted by the built-in way instead.
+    // FileKill has no answer: the file goes the built-in way, and the library is off for good.
     ASSERT_TRUE(SaveFile(file, "data", 1, true));
     FileKill(file);
     EXPECT_FALSE(std::filesystem::exists(dir.path() / "song.tvl"));
     EXPECT_FALSE(StringsDLLAvailable());
-    EXPECT_TRUE(FileSaveUTF8(file, u"\u00E9"));
-    EXPECT_EQ(dir.Read("song.tvl"), "\xC3\xA9");
+    EXPECT_EQ(StringsDLL(), nullptr);
+    EXPECT_EQ(Strings().utf8TOwstring("x"), u"x");
+    EXPECT_EQ(library.calls.size(), 6u);
+    EXPECT_EQ(trail.lines, (Lines{{"cStringsDLL.FileKill",
+                                   "TovalStrings failed; using the built-in functions from now "
+                                   "on"}}));
+}
+
+TEST_F(StringsDLLTest, MalformedThrowingOrMissingAnswersTurnTheLibraryOff) {
+    auto library = std::make_shared<FakeLibrary>();
+    library->answers = {{F::wcharTOwstring, "odd"},  // not a 16-bit text
+                        {F::FileExists, "yes"}};     // not a flag
+    cStringsDLL text(library), flag(library), crash(library), none(nullptr);
+    // No answer at all: the extras keep their own meaning.
+    cStringsDLL txtuni8(library), normalize(library);
+    EXPECT_EQ(text.wcharTOwstring("A\0"), u"A");
+    EXPECT_FALSE(flag.FileExists(dir.file(u"missing")));
+    EXPECT_EQ(none.stringTOhtml("a b"), "a+b");
+    EXPECT_EQ(txtuni8.wstringTOtxtuni8(u"\u00E9"), "\xEF\xBB\xBF\xC3\xA9");
+    EXPECT_EQ(normalize.normalizeString(u"a\r\nb\nc\rd\n\re\r"), u"a\r\nb\r\nc\r\nd\r\n\r\ne\r\n");
+    library->throws = true;
+    EXPECT_EQ(crash.wstringTOutf8(u"\u20AC"), "\xE2\x82\xAC");
+    for (const cStringsDLL* dll : {&text, &flag, &crash, &none, &txtuni8, &normalize})
+        EXPECT_FALSE(dll->Available());
 }
 
 }  // namespace

@@ -67,7 +67,7 @@ TEST(mFile, ReadFileTakesBytesFromAOneBasedStart) {
     EXPECT_EQ(ReadFile(dir.folder(), 1, 0), "");
 }
 
-TEST(mFile, SaveFileWritesInPlaceAppendsOrReplaces) {
+TEST(mFile, SaveFileWritesInPlaceAppendsOrReplacesAndKillDeletesOnlyFiles) {
     test::TempDir dir;
     const std::u16string file = dir.file(u"out.bin");
     const fs::path real = dir.path() / "out.bin";
@@ -92,6 +92,16 @@ TEST(mFile, SaveFileWritesInPlaceAppendsOrReplaces) {
     fs::create_directory(dir.path() / "sub");
     EXPECT_FALSE(SaveFile(dir.file(u"sub"), "x", 1, true));  // killFirst leaves a folder alone
     EXPECT_TRUE(fs::is_directory(dir.path() / "sub"));
+
+    EXPECT_TRUE(FileExists(file));
+    EXPECT_FALSE(FileExists(u""));
+    EXPECT_TRUE(FileExists(dir.folder()));  // a folder's attributes can be read too
+    FileKill(file);
+    EXPECT_FALSE(FileExists(file));
+    FileKill(file);  // already gone: nothing happens
+    FileKill(u"");
+    FileKill(dir.file(u"sub"));
+    EXPECT_TRUE(fs::is_directory(dir.path() / "sub"));
 }
 
 TEST(mFile, TextFilesAreUtf8WithoutAMarkOrInTheCodePage) {
@@ -114,23 +124,6 @@ TEST(mFile, TextFilesAreUtf8WithoutAMarkOrInTheCodePage) {
     EXPECT_EQ(dir.Read(real), "\xE9\x80?");
     EXPECT_FALSE(FileSaveUTF8(dir.file(P(u"no/file.tvl")), u"x"));
     EXPECT_FALSE(FileSaveAscii(dir.file(P(u"no/file.ini")), u"x"));
-}
-
-TEST(mFile, ExistsAndKill) {
-    test::TempDir dir;
-    const std::u16string file = dir.file(u"f.txt");
-    EXPECT_FALSE(FileExists(file));
-    EXPECT_FALSE(FileExists(u""));
-    EXPECT_TRUE(FileExists(dir.folder()));  // a folder's attributes can be read too
-    dir.Write(fs::path(file), "x");
-    EXPECT_TRUE(FileExists(file));
-    FileKill(file);
-    EXPECT_FALSE(FileExists(file));
-    FileKill(file);  // already gone: nothing happens
-    FileKill(u"");
-    fs::create_directory(dir.path() / "keep");
-    FileKill(dir.file(u"keep"));
-    EXPECT_TRUE(fs::is_directory(dir.path() / "keep"));
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ TEST(mPath, AddPathSeparatorAddsOneOnlyWhenMissing) {
     EXPECT_EQ(AddPathSeparator(u"a" + kSep + kSep), u"a" + kSep + kSep);
 }
 
-TEST(mPath, SpecialFolderGetsItsOwnSubfolderMadeOnce) {
+TEST(mPath, SpecialFolderGetsItsOwnSubfolderMadeOnceOrFallsBackToTheProgramFolder) {
     test::TempDir system, program;
     test::FakeShell shell;
     const std::u16string root = system.path().u16string();
@@ -43,11 +43,8 @@ TEST(mPath, SpecialFolderGetsItsOwnSubfolderMadeOnce) {
     // The system's text ends at its first zero character.
     shell.specialFolder = root + std::u16string(1, u'\0') + u"garbage";
     EXPECT_EQ(getSpecialFolder(shell, kFolderAppData, program.folder()), expected);
-}
 
-TEST(mPath, SpecialFolderFallsBackToTheProgramFolder) {
-    test::TempDir system, program;
-    test::FakeShell shell;
+    // Failing that, the program folder.
     const std::u16string programFolder = program.path().u16string();  // no trailing separator
 
     shell.specialFolder = u"";
@@ -59,6 +56,7 @@ TEST(mPath, SpecialFolderFallsBackToTheProgramFolder) {
     EXPECT_FALSE(fs::exists(system.path() / "missing"));
 
     // A file in the way of the folder.
+    fs::remove_all(system.path() / "Toval");
     std::ofstream(system.path() / "Toval") << "not a folder";
     shell.specialFolder = system.path().u16string();
     EXPECT_EQ(getSpecialFolder(shell, kFolderAppData, program.folder()), program.folder());

@@ -1,32 +1,67 @@
 // toval-lyric: its commands against real files in a temp folder and a lyric
-// service on 127.0.0.1, and the real binary's exit codes.
+// service on 127.0.0.1, the real binary's exit codes, and the audio-tag reader
+// on real audio files (made with sox and metaflac, as a user's files are made).
 #ifdef TOVAL_LYRIC_TOOL
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
+#include <mutex>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "cCliArgs.h"
 #include "cCliMain.h"
 #include "fakes/TempDir.h"
-#include "posix/FakeLyricService.h"
+#include "mAudioTags.h"
+#include "posix/LoopbackServer.h"
+#include "posix/Sox.h"
 
 namespace toval::test {
 namespace {
 
-void Write(const std::filesystem::path& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
-}
-std::string Read(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
+// A lyric service on 127.0.0.1 that sends one scripted answer to every
+// request: a body for the envelope, a whole HTTP answer, or kEndless (the
+// head, then silence).
+class FakeService {
+  public:
+    static constexpr char kEndless[] = "endless";
+    std::string Host() const { return "127.0.0.1:" + std::to_string(server_.Port()); }
+    void setAnswer(std::string answer) {
+        std::lock_guard lock(mutex_);
+        answer_ = std::move(answer);
+    }
+    std::vector<std::string> Requests() const { return server_.Requests(); }
+    bool LastAsked(const std::string& fragment) const {
+        const auto requests = Requests();
+        return !requests.empty() && requests.back().find(fragment) != std::string::npos;
+    }
+
+  private:
+    void Serve(LoopbackServer::Connection& c) {
+        c.ReadRequest();
+        std::unique_lock lock(mutex_);
+        const std::string answer = answer_;
+        lock.unlock();
+        if (answer == kEndless) {
+            c.Send("HTTP/1.0 200 OK\r\n\r\n<html>");
+            c.WaitForClose(20000);
+        } else {
+            c.Send(answer.starts_with("HTTP/")
+                       ? answer
+                       : "HTTP/1.0 200 OK\r\n\r\n<html><TOVAL>" + answer + "</TOVAL>");
+        }
+    }
+    mutable std::mutex mutex_;
+    std::string answer_ = ":NOTFOUND";
+    LoopbackServer server_{[this](LoopbackServer::Connection& c) { Serve(c); }};
+};
 
 struct Outcome {
     int code;
@@ -40,7 +75,8 @@ Outcome Tool(std::vector<std::string> args) {
     return {code, out.str(), err.str()};
 }
 
-const std::string kSample = std::string(TOVAL_SOURCE_DIR) + "/samples/harbour.tvl";
+const std::string kSamples = std::string(TOVAL_SOURCE_DIR) + "/samples/";
+const std::string kSample = kSamples + "harbour.tvl";
 
 TEST(ServiceCli, BadCommandLinesExitWithTwoAndSayWhy) {
     const struct {
@@ -53,9 +89,7 @@ TEST(ServiceCli, BadCommandLinesExitWithTwoAndSayWhy) {
         {{"print", "a", "b"}, "unexpected argument 'b'"},
         {{"print", "a", "--colour"}, "unknown option '--colour'"},
         {{"lookup", "a", "--server"}, "'--server' needs a value"},
-        {{"lookup", "a", "--duration", "3m"}, "not a duration"},
         {{"lookup", "a", "--duration=-1"}, "not a duration"},
-        {{"lookup", "a", "--timeout", "0"}, "not a time-out"},
         {{"lookup", "a", "--timeout", "99999999999"}, "not a time-out"},
         {{"print", "a", "--format", "xml"}, "unknown format 'xml'"},
         {{"send", "a", "--artist", "A", "--title", "T"}, "send needs --server"},
@@ -88,7 +122,7 @@ TEST(ServiceCli, PrintAndConvertReadAndWriteRealFiles) {
     EXPECT_EQ(o.out.substr(0, o.out.find("Boats")),
               "00:01.00  Lanterns on the harbour wall\n          <00:01.00>Lanterns "
               "<00:01.70>on <00:01.95>the <00:02.20>harbour <00:03.00>wall\n00:04.20  ");
-    Write(dir.path() / "mixed.lrc", "[ar:Me]\r\n[00:01.50][00:09.00]Hi\r\nno time\r\n");
+    dir.Write("mixed.lrc", "[ar:Me]\r\n[00:01.50][00:09.00]Hi\r\nno time\r\n");
     EXPECT_EQ(Tool({"print", (dir.path() / "mixed.lrc").string()}).out,
               "00:01.50 00:09.00  Hi\n          no time\n");
 
@@ -96,16 +130,16 @@ TEST(ServiceCli, PrintAndConvertReadAndWriteRealFiles) {
     const std::string lrc = (dir.path() / "out.lrc").string();
     o = Tool({"convert", kSample, "--to", "lrc", "-o", lrc});
     EXPECT_EQ(o.code, kExitOk);
-    EXPECT_EQ(Read(lrc).substr(0, 39), "[00:01.00]Lanterns on the harbour wall\r");
+    EXPECT_EQ(dir.Read("out.lrc").substr(0, 39), "[00:01.00]Lanterns on the harbour wall\r");
     EXPECT_EQ(Tool({"convert", lrc}).out.substr(0, 66),
               "[PROPERTY]\r\nMUTATION:-2147483648\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY][1000]");
     EXPECT_EQ(Tool({"convert", kSample, "--to=text"}).out.substr(0, 30),
               "Lanterns on the harbour wall\r\n");
 
     // What cannot be read or written, or holds no lyric, says so.
-    Write(dir.path() / "id3.lrc", std::string("ID3\x03\0\0\0", 7));
-    Write(dir.path() / "tags.lrc", "[ar:Me]\n");
-    Write(dir.path() / "empty.lrc", "");
+    dir.Write("id3.lrc", std::string("ID3\x03\0\0\0", 7));
+    dir.Write("tags.lrc", "[ar:Me]\n");
+    dir.Write("empty.lrc", "");
     const struct {
         std::vector<std::string> args;
         int code;
@@ -130,8 +164,7 @@ TEST(ServiceCli, PrintAndConvertReadAndWriteRealFiles) {
 
 TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
     TempDir dir, cache;
-    FakeLyricService service;
-    service.AddLyric("Ann", "Tide", "[500]from the service<br>[900]again");
+    FakeService service;
     const std::string track = (dir.path() / "tide.flac").string();
     const std::string server = service.Host();
     const auto lookup = [&](std::vector<std::string> tail) {
@@ -142,6 +175,7 @@ TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
     };
     EXPECT_EQ(lookup({}).code, kExitNotFound);
     EXPECT_TRUE(service.Requests().empty()) << "no --server, no service";
+    service.setAnswer("[500]from the service<br>[900]again");
     Outcome o = lookup({"--server", server, "--format", "text"});
     EXPECT_EQ(o.code, kExitOk) << o.err;
     EXPECT_EQ(o.out, "from the service\r\nagain\r\n");
@@ -149,15 +183,15 @@ TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
     // Kept in the cache: found again without the service.
     EXPECT_EQ(lookup({}).out, "00:00.50  from the service\n00:00.90  again\n");
     // A file beside the track comes first.
-    Write(dir.path() / "tide.lrc", "[00:03.00]beside\r\n");
+    dir.Write("tide.lrc", "[00:03.00]beside\r\n");
     EXPECT_EQ(lookup({"--format", "lrc"}).out,
               "[ar:Ann]\r\n[ti:Tide]\r\n[re:Toval]\r\n[ve:1.3.1]\r\n[00:03.00]beside\r\n");
     // --save-beside writes the service's lyric as a .tvl file.
-    service.AddLyric("Ann", "Wave", "[1]wave");
+    service.setAnswer("[1]wave");
     o = Tool({"lookup", (dir.path() / "wave.mp3").string(), "--artist", "Ann", "--title", "Wave",
               "--cache", cache.path().string(), "--server", server, "--save-beside"});
     EXPECT_EQ(o.code, kExitOk);
-    EXPECT_EQ(Read(dir.path() / "wave.tvl"), "[1]wave");
+    EXPECT_EQ(dir.Read("wave.tvl"), "[1]wave");
     // A file name that is not UTF-8 ends in a message, never in a crash.
     o = Tool({"lookup", (dir.path() / "\xff\xfe.mp3").string(), "--cache", cache.path().string()});
     EXPECT_TRUE(o.code == kExitNotFound || o.code == kExitFile) << o.code;
@@ -167,44 +201,45 @@ TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
     const struct {
         std::string answer, server, says;
     } cases[] = {
-        {"", server, "no lyric for this track"},
-        {"<TOVAL>:SQL_ERROR</TOVAL>", server, "the service's database failed (':SQL_ERROR')"},
-        {"<TOVAL>:SUCCESS", server, "the service's answer holds no <TOVAL> envelope"},
+        {":NOTFOUND", server, "no lyric for this track"},
+        {":SQL_ERROR", server, "the service's database failed (':SQL_ERROR')"},
+        {"HTTP/1.0 200 OK\r\n\r\n<TOVAL>:SUCCESS", server,
+         "the service's answer holds no <TOVAL> envelope"},
         {"HTTP/1.0 500 Internal Server Error\r\n\r\n", server,
          "the service answered 'HTTP/1.0 500 Internal Server Error'"},
-        {"<TOVAL>:UPDATESERVER:elsewhere.test</TOVAL>", server, "moved to elsewhere.test"},
-        {FakeLyricService::kEndless, server, "the answer stopped for 0.3 s"},
-        {"", closed, "connection refused by " + closed},
-        {"", "lyrics.invalid", "cannot resolve lyrics.invalid"},
+        {":UPDATESERVER:elsewhere.test", server, "moved to elsewhere.test"},
+        {FakeService::kEndless, server, "the answer stopped for 0.3 s"},
+        {":NOTFOUND", closed, "connection refused by " + closed},
+        {":NOTFOUND", "lyrics.invalid", "cannot resolve lyrics.invalid"},
     };
     for (const auto& c : cases) {
         service.setAnswer(c.answer);
         o = Tool({"lookup", (dir.path() / "none.mp3").string(), "--title", "Nothing", "--cache",
                   cache.path().string(), "--server", c.server, "--timeout",
-                  c.answer == FakeLyricService::kEndless ? "300" : "1000"});
-        EXPECT_EQ(o.code, c.answer.empty() && c.server == server ? kExitNotFound : kExitService);
+                  c.answer == FakeService::kEndless ? "300" : "1000"});
+        EXPECT_EQ(o.code,
+                  c.server == server && c.answer == ":NOTFOUND" ? kExitNotFound : kExitService);
         EXPECT_NE(o.err.find(c.says), std::string::npos) << o.err;
     }
     // Without --duration the service is sent 0 seconds.
-    EXPECT_EQ(service.Requests().back().Value("dur"), "0");
+    EXPECT_TRUE(service.LastAsked("&dur=0&"));
 }
 
 TEST(ServiceCli, SendReportsWhatTheServiceSaid) {
-    FakeLyricService service;
+    FakeService service;
+    service.setAnswer(":SUCCESS");
     const std::vector<std::string> send = {"send",     kSample, "--server", service.Host(),
                                            "--artist", "Toval", "--title",  "Harbour"};
     Outcome o = Tool(send);
     EXPECT_EQ(o.code, kExitOk) << o.err;
-    const auto stored = service.Stored("Toval", "Harbour");
-    EXPECT_EQ(stored.mutation, "1804289383");
-    EXPECT_EQ(stored.lyric.substr(0, 11), "[PROPERTY]\r");
-    service.setAnswer("<TOVAL>:SQL_CONNECTION_ERROR</TOVAL>");
+    EXPECT_TRUE(service.LastAsked("&mut=1804289383&vrs=1030001&tvl=%5BPROPERTY%5D%0D%0A"));
+    service.setAnswer(":SQL_CONNECTION_ERROR");
     o = Tool(send);
     EXPECT_EQ(o.code, kExitService);
     EXPECT_NE(o.err.find("database"), std::string::npos);
 
     TempDir dir;
-    Write(dir.path() / "empty.tvl", "");
+    dir.Write("empty.tvl", "");
     std::vector<std::string> empty = send;
     empty[1] = (dir.path() / "empty.tvl").string();
     EXPECT_EQ(Tool(empty).code, kExitFile);
@@ -232,6 +267,117 @@ TEST(ServiceCli, TheBinaryExitsWithTheDocumentedCodes) {
     EXPECT_NE(out.find("00:16.50  \xE2\x80\xA6\n"), std::string::npos);
     EXPECT_EQ(run("frobnicate"), 2);
     EXPECT_EQ(run("print /nonexistent/x.tvl"), 3);
+}
+
+// Little-endian fields of a RIFF file.
+std::string U32(uint32_t v) {
+    return {char(v), char(v >> 8), char(v >> 16), char(v >> 24)};
+}
+std::string U16(uint16_t v) {
+    return {char(v), char(v >> 8)};
+}
+std::string Chunk(const std::string& id, std::string body) {
+    if (body.size() % 2) body += '\0';
+    return id + U32(static_cast<uint32_t>(body.size())) + body;
+}
+
+// One second of 8 kHz mono silence with a RIFF INFO list: title, artist, album.
+std::string TaggedWav() {
+    const std::string fmt = U16(1) + U16(1) + U32(8000) + U32(16000) + U16(2) + U16(16);
+    const std::string info = "INFO" + Chunk("INAM", std::string("Wav Title") + '\0') +
+                             Chunk("IART", std::string("Wav Artist") + '\0') +
+                             Chunk("IPRD", std::string("Wav Album") + '\0');
+    const std::string body =
+        "WAVE" + Chunk("fmt ", fmt) + Chunk("data", std::string(16000, '\0')) + Chunk("LIST", info);
+    return "RIFF" + U32(static_cast<uint32_t>(body.size())) + body;
+}
+
+TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
+    TempDir dir;
+    const auto at = [&](const char* name) { return (dir.path() / name).string(); };
+    ASSERT_EQ(Shell("command -v sox && command -v metaflac"), 0)
+        << "sox and metaflac make the test files: run scripts/deps.sh";
+    ASSERT_TRUE(
+        MakeAudio(at("a.mp3"), {"Title=Mp3 Title", "Artist=Mp3 Artist", "Album=Mp3 Album"}, 2.5));
+    ASSERT_TRUE(MakeAudio(at("a.ogg"), {"TITLE=Ogg Title", "ARTIST=Ogg Artist"}, 2.5));
+    ASSERT_TRUE(MakeAudio(at("bare.flac"), {}, 2.5));
+    std::filesystem::copy_file(at("bare.flac"), at("utf8.flac"));
+    // A title with a line break, an artist past the record's width in two-byte letters.
+    std::string longArtist = "a";
+    for (int i = 0; i < 600; ++i)
+        longArtist += "\xC3\xB3";  // ó
+    ASSERT_EQ(Shell("metaflac --set-tag='ARTIST=" + longArtist +
+                    "' --set-tag='ALBUM=  \xC3\x81g\xC3\xA6tis byrjun ' --set-tag='TITLE=Two\n"
+                    "lines' '" +
+                    at("utf8.flac") + "'"),
+              0);
+    std::filesystem::copy_file(at("a.ogg"), at("ogg-named.mp3"));
+    dir.Write("tagged.wav", TaggedWav());
+    dir.Write("notes.txt", "ARTIST=Nobody\nTITLE=Nothing\n");
+    dir.Write("empty.flac", "");
+    std::filesystem::create_directory(at("folder.mp3"));
+    ASSERT_EQ(::mkfifo(at("pipe.mp3").c_str(), 0600), 0);
+
+    const std::string cutArtist = longArtist.substr(0, 1023);  // a whole letter less
+    const struct {
+        std::string path;
+        cAudioTags tags;
+    } cases[] = {
+        {kSamples + "harbour.flac", {"Toval Samples", "Toval Samples", "Harbour Lanterns", 19000}},
+        {at("a.mp3"), {"Mp3 Artist", "Mp3 Album", "Mp3 Title", 2500}},
+        {at("a.ogg"), {"Ogg Artist", "", "Ogg Title", 2500}},
+        {at("ogg-named.mp3"), {"Ogg Artist", "", "Ogg Title", 2500}},  // told by content
+        {at("bare.flac"), {"", "", "", 2500}},
+        {at("utf8.flac"), {cutArtist, "\xC3\x81g\xC3\xA6tis byrjun", "Two lines", 2500}},
+        {at("tagged.wav"), {"Wav Artist", "Wav Album", "Wav Title", 1000}},
+        {at("notes.txt"), {}},
+        {at("empty.flac"), {}},
+        {at("folder.mp3"), {}},
+        {at("pipe.mp3"), {}},  // would block a reader that opened it
+        {at("missing.mp3"), {}},
+        {"", {}},
+    };
+    for (const auto& c : cases) {
+        const cAudioTags got = ReadAudioTags(c.path);
+        EXPECT_EQ(got.artist, c.tags.artist) << c.path;
+        EXPECT_EQ(got.album, c.tags.album) << c.path;
+        EXPECT_EQ(got.title, c.tags.title) << c.path;
+        // Encoders pad the sound by a few frames.
+        EXPECT_NEAR(got.milliseconds, c.tags.milliseconds, c.tags.milliseconds < 0 ? 0 : 250)
+            << c.path;
+        if (std::filesystem::is_regular_file(c.path)) {
+            EXPECT_EQ(ReadAudioTagsFromMemory(dir.Read(c.path)).title, got.title) << c.path;
+        }
+    }
+    // Every prefix of a tagged file reads without failing (the fuzz target goes further).
+    const std::string flac = dir.Read("utf8.flac");
+    for (size_t size = 0; size < flac.size(); size += 97)
+        ReadAudioTagsFromMemory(std::string_view(flac).substr(0, size));
+}
+
+TEST(TagReader, LookupTakesTheTrackTagsAndTheOptionsWin) {
+    TempDir dir, cache;
+    FakeService service;
+    service.setAnswer("[500]from the service");
+    // The sample track alone, without its lyric beside it.
+    const std::string track = (dir.path() / "harbour.flac").string();
+    std::filesystem::copy_file(kSamples + "harbour.flac", track);
+    for (const auto& [extra, head, asked] :
+         {std::tuple{std::vector<std::string>{}, "[al:Toval Samples]\r\n[ar:Toval Samples]\r\n",
+                     "?art=Toval+Samples&alb=Toval+Samples&tit=Harbour+Lanterns&dur=19&"},
+          {{"--artist", "Other", "--album=", "--duration", "7"},
+           "[ar:Other]\r\n",
+           "?art=Other&alb=&tit=Harbour+Lanterns&dur=7&"}}) {
+        std::vector<std::string> args = {
+            "lookup",   track,          "--format", "lrc",
+            "--server", service.Host(), "--cache",  cache.path().string()};
+        args.insert(args.end(), extra.begin(), extra.end());
+        std::ostringstream out, err;
+        EXPECT_EQ(cCliMain(out, err).Run(args), kExitOk) << err.str();
+        EXPECT_EQ(out.str().substr(0, out.str().find("[re:")),
+                  std::string(head) + "[ti:Harbour Lanterns]\r\n");
+        EXPECT_TRUE(service.LastAsked(asked)) << service.Requests().back();
+    }
 }
 
 }  // namespace

@@ -1,12 +1,8 @@
 // toval-service import: lyric files in a music folder, stored with the tags
-// of the audio file beside them (real WAV files tagged with TagLib).
+// of the audio file beside them (real audio files made with sox).
 #include <gtest/gtest.h>
-#include <taglib/fileref.h>
-#include <taglib/tag.h>
 
-#include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <string>
 
@@ -15,50 +11,29 @@
 #include "fakes/TempDir.h"
 #include "mAudioTags.h"
 #include "mImport.h"
+#include "posix/Sox.h"
 
 namespace toval::test {
 namespace {
-
-void Write(const std::filesystem::path& path, const std::string& bytes) {
-    std::filesystem::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << bytes;
-}
-
-// A WAV file of `seconds` of 8 kHz 8-bit silence, tagged with artist and title.
-void Wav(const std::filesystem::path& path, const char* artist, const char* title, int seconds) {
-    const uint32_t data = 8000u * static_cast<uint32_t>(seconds);
-    auto le = [](uint32_t v, int bytes) {
-        std::string s;
-        for (int i = 0; i < bytes; ++i)
-            s.push_back(static_cast<char>((v >> (8 * i)) & 0xFF));
-        return s;
-    };
-    Write(path, "RIFF" + le(36 + data, 4) + "WAVEfmt " + le(16, 4) + le(1, 2) + le(1, 2) +
-                    le(8000, 4) + le(8000, 4) + le(1, 2) + le(8, 2) + "data" + le(data, 4) +
-                    std::string(data, '\x80'));
-    if (!artist) return;
-    TagLib::FileRef file(path.c_str());
-    ASSERT_FALSE(file.isNull());
-    file.tag()->setArtist(TagLib::String(artist, TagLib::String::UTF8));
-    file.tag()->setTitle(TagLib::String(title, TagLib::String::UTF8));
-    ASSERT_TRUE(file.save());
-}
 
 TEST(Import, StoresLyricFilesWithTheTagsOfTheirAudioFiles) {
     TempDir dir;
     const auto music = dir.path() / "Music";
     const std::string words =
         "\xEF\xBB\xBF[PROPERTY]\r\nMUTATION:55\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY][1000]<1000>Hi\r\n";
-    Wav(music / "A" / "song.wav", "Ann \xC3\x89lise", "Harbour", 3);
-    Write(music / "A" / "song.tvl", words);
-    Wav(music / "B" / "plain.WAV", "Bo", "Plain", 2);
-    Write(music / "B" / "plain.lrc", "just words\r\n");
-    Wav(music / "C" / "untagged.wav", nullptr, nullptr, 1);
-    Write(music / "C" / "untagged.lrc", "[00:01.00]x\r\n");
-    Write(music / "C" / "orphan.lrc", "[00:01.00]x\r\n");
+    for (const char* folder : {"A", "B", "C"})
+        std::filesystem::create_directories(music / folder);
+    ASSERT_TRUE(
+        MakeAudio(music / "A" / "song.flac", {"Artist=Ann \xC3\x89lise", "Title=Harbour"}, 3));
+    dir.Write("Music/A/song.tvl", words);
+    ASSERT_TRUE(MakeAudio(music / "B" / "plain.FLAC", {"Artist=Bo", "Title=Plain"}, 2));
+    dir.Write("Music/B/plain.lrc", "just words\r\n");
+    ASSERT_TRUE(MakeAudio(music / "C" / "untagged.flac", {}, 1));
+    dir.Write("Music/C/untagged.lrc", "[00:01.00]x\r\n");
+    dir.Write("Music/C/orphan.lrc", "[00:01.00]x\r\n");
 
     service::cAudioTags tags;
-    ASSERT_TRUE(service::ReadAudioTags(music / "A" / "song.wav", tags));
+    ASSERT_TRUE(service::ReadAudioTags(music / "A" / "song.flac", tags));
     EXPECT_EQ(tags.artist, "Ann \xC3\x89lise");
     EXPECT_EQ(tags.seconds, 3);
     EXPECT_FALSE(service::ReadAudioTags(music / "C" / "orphan.lrc", tags));

@@ -58,7 +58,6 @@ class ServiceProcess {
     ServiceProcess& operator=(const ServiceProcess&) = delete;
 
     int Port() const { return port_; }
-    int Pid() const { return pid_; }
     std::u16string Host() const {
         const std::string host = "127.0.0.1:" + std::to_string(port_);
         return std::u16string(host.begin(), host.end());

@@ -5,8 +5,10 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
+#include "base/cStrings.h"
 #include "cLyricService.h"
 #include "cPgStore.h"
 #include "cSqliteStore.h"
@@ -30,20 +32,7 @@ const std::string kPlain = "Hi there\r\nagain\r\n";
 
 // A form value as the program encodes it.
 std::string Enc(const std::string& text) {
-    static const char* hex = "0123456789ABCDEF";
-    std::string out;
-    for (unsigned char c : text) {
-        if (c == ' ') {
-            out += '+';
-        } else if (std::isalnum(c) || c == '/') {
-            out += static_cast<char>(c);
-        } else {
-            out += '%';
-            out += hex[c >> 4];
-            out += hex[c & 15];
-        }
-    }
-    return out;
+    return cStrings().stringTOhtml(text);
 }
 
 std::string GetQuery(const std::string& artist, const std::string& title, int dur, int mut,
@@ -58,6 +47,12 @@ std::string SendBody(const std::string& artist, const std::string& title, int du
            "&siz=1&mut=" + std::to_string(mut) + "&vrs=1030001&" + key + "=" + Enc(lyric) +
            "&add=Add";
 }
+// Every field of a record, to compare whole records.
+auto Fields(const cLyricRecord& r) {
+    return std::tie(r.id, r.artist, r.album, r.title, r.artistKey, r.albumKey, r.titleKey,
+                    r.duration, r.fileSize, r.mutation, r.kind, r.text, r.address, r.created);
+}
+
 // The answer inside the envelope.
 std::string Body(const std::string& page) {
     const size_t open = page.find("<TOVAL>");
@@ -82,18 +77,17 @@ class StoreTest : public ::testing::TestWithParam<const char*> {
     // Stores a lyric directly (as the import does), returning its revision.
     int64_t Put(const std::string& artist, const std::string& title, int32_t duration,
                 const std::string& text, int32_t mutation = 1, const std::string& album = "") {
-        cLyricRecord r;
-        r.artist = artist;
-        r.title = title;
-        r.album = album;
-        r.artistKey = service::MatchKey(artist);
-        r.titleKey = service::MatchKey(title);
-        r.albumKey = service::MatchKey(album);
-        r.duration = duration;
-        r.mutation = mutation;
-        r.kind = cLyricService::Kind(text);
-        r.text = text;
-        r.address = "test";
+        cLyricRecord r{.artist = artist,
+                       .album = album,
+                       .title = title,
+                       .artistKey = service::MatchKey(artist),
+                       .albumKey = service::MatchKey(album),
+                       .titleKey = service::MatchKey(title),
+                       .duration = duration,
+                       .mutation = mutation,
+                       .kind = cLyricService::Kind(text),
+                       .text = text,
+                       .address = "test"};
         EXPECT_TRUE(store->Add(r));
         return r.id;
     }
@@ -105,20 +99,19 @@ class StoreTest : public ::testing::TestWithParam<const char*> {
 TEST_P(StoreTest, KeepsEveryFieldAndEveryRevisionInOrder) {
     // SQL metacharacters and text beyond ASCII go in and come out as they were.
     const std::string nasty = "O'Brien\"; DROP TABLE lyrics; -- \\ % _ \xE4\xB8\xAD";
-    cLyricRecord r;
-    r.artist = nasty;
-    r.album = "al'b";
-    r.title = "t";
-    r.artistKey = "k1";
-    r.titleKey = "k2";
-    r.albumKey = "k3";
-    r.duration = 215;
-    r.fileSize = 2147483647;
-    r.mutation = -2147483647 - 1;
-    r.kind = LyricKind::kWords;
-    r.text = kWords + nasty;
-    r.address = "::1";
-    r.created = 1700000000123;
+    cLyricRecord r{.artist = nasty,
+                   .album = "al'b",
+                   .title = "t",
+                   .artistKey = "k1",
+                   .albumKey = "k3",
+                   .titleKey = "k2",
+                   .duration = 215,
+                   .fileSize = 2147483647,
+                   .mutation = -2147483647 - 1,
+                   .kind = LyricKind::kWords,
+                   .text = kWords + nasty,
+                   .address = "::1",
+                   .created = 1700000000123};
     ASSERT_TRUE(store->Add(r));
     cLyricRecord second = r;
     ASSERT_TRUE(store->Add(second));
@@ -127,19 +120,8 @@ TEST_P(StoreTest, KeepsEveryFieldAndEveryRevisionInOrder) {
     const auto found = store->Find("k1", "k2");
     ASSERT_TRUE(found);
     ASSERT_EQ(found->size(), 2u);
-    const cLyricRecord& got = (*found)[0];
-    EXPECT_EQ(got.id, r.id);
+    EXPECT_EQ(Fields((*found)[0]), Fields(r));
     EXPECT_EQ((*found)[1].id, second.id);
-    EXPECT_EQ(got.artist, nasty);
-    EXPECT_EQ(got.album, "al'b");
-    EXPECT_EQ(got.albumKey, "k3");
-    EXPECT_EQ(got.duration, 215);
-    EXPECT_EQ(got.fileSize, 2147483647);
-    EXPECT_EQ(got.mutation, r.mutation);
-    EXPECT_EQ(got.kind, LyricKind::kWords);
-    EXPECT_EQ(got.text, r.text);
-    EXPECT_EQ(got.address, "::1");
-    EXPECT_EQ(got.created, r.created);
 
     // Many at once: all of them, in order, after the two above.
     std::vector<cLyricRecord> batch(3, r);
@@ -200,8 +182,7 @@ TEST_P(StoreTest, LookUpMatchesArtistAndTitleLooselyAndTheDurationClosely) {
         bool found;
     } cases[] = {
         {"Ann \xC3\x89lise", "Harbour  Lights", 200, true},
-        {"ANN ELISE", "harbour lights", 200, true},  // case, blanks, accents
-        {"annelise", "HarbourLights", 203, true},    // 3 s off: same recording
+        {"ANNELISE", "Harbour Lights", 203, true},  // case, blanks, accents; 3 s off
         {"ann\xC3\xA9lise", "harbour lights", 197, true},
         {"ann elise", "harbour lights", 204, false},  // 4 s off: another recording
         {"ann elise", "harbour lights", 0, true},     // unknown duration
@@ -251,15 +232,12 @@ TEST_P(StoreTest, SendsAreCheckedLimitedAndNeverOverwrite) {
         std::string body;
         const char* answer;
     } refused[] = {
-        {"art=A&tit=T&tvl=%4", ":BADREQUEST"},
         {"art=A&tit=T&tvl=%G1", ":BADREQUEST"},
         {SendBody("", "T", 100, 1, kWords), ":NOTRACK"},
         {SendBody("A", "", 100, 1, kWords), ":NOTRACK"},
-        {"art=A&tit=T&dur=100&add=Add", ":NOLYRIC"},
         {SendBody("A", "T", 100, 1, ""), ":NOLYRIC"},
         {SendBody("A", "T", 100, 1, kWords + std::string(4096, 'x')), ":TOOLARGE"},
         {SendBody("A", "T", 100, 1, kWords + "\xC3"), ":BADLYRIC"},
-        {SendBody("A", "T", 100, 1, kWords + std::string(1, '\0')), ":BADLYRIC"},
         {SendBody("A\xFF", "T", 100, 1, kWords), ":BADLYRIC"},
         {SendBody("A", "T", 100, 1, kPlain), ":NOTIMES"},
         {SendBody("A", "T", 100, 1, "[PROPERTY]\r\nMUTATION:1\r\n[\\PROPERTY]"), ":NOTIMES"},
@@ -307,6 +285,7 @@ TEST(ServiceAnswers, MoveAnnounceAndUpdateCheck) {
     EXPECT_EQ(quiet.Get(GetQuery("A", "T", 1, 0)).page,
               "<html><body><TOVAL>:NOTFOUND</TOVAL></body></html>");
     EXPECT_EQ(Body(quiet.Update("vrs=1").page), ":NOUPDATES");
+    EXPECT_EQ(Body(quiet.Get("art=%&tit=%zz&get=Get").page), ":BADREQUEST");
 }
 
 }  // namespace
