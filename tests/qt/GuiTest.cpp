@@ -377,6 +377,7 @@ TEST_F(GuiTest, EditorTimesThePlayingTrackWithTheArrowKeysAndSavesTheLyricBeside
     click("cmdNext");
     Pump(1000);
     Grab(window, "editor-preview");
+    EXPECT_TRUE(window->findChild<QLabel*>("lblPreview")->isVisible());
 
     fs::remove(home_.path() / "a.tvl");
     OnModal([&](QWidget* dialog) {
