@@ -23,6 +23,11 @@ int Pixels(int32_t twips) {
     return static_cast<int>(twips / 15);
 }
 
+QRect AvailableArea() {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    return screen ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
+}
+
 }  // namespace
 
 cDisplayWindow::cDisplayWindow(cGlobals& globals, cQtPicture& picture)
@@ -50,6 +55,7 @@ void cDisplayWindow::Attach(cDisplay& display) {
         lyricWidth_ = box.Right - box.Left;
         lineTop_ = lineBottom_ = 0;
         targetY_ = shownY_ = 0;
+        FitWidth();
         update();
     };
     display.onReajustWindow = [this] { ApplyMode(mode_); };
@@ -76,8 +82,7 @@ void cDisplayWindow::ApplyMode(int32_t mode) {
     if (s.effect_AlwaysOnTop || mode == kModeTray) flags |= Qt::WindowStaysOnTopHint;
     if (mode == kModeTray) flags |= Qt::WindowDoesNotAcceptFocus;
     if (windowFlags() != flags) setWindowFlags(flags);
-    const QScreen* screen = QGuiApplication::primaryScreen();
-    const QRect area = screen ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
+    const QRect area = AvailableArea();
     if (mode == kModeWindow) {
         QRect r(Pixels(s.pos_WinLeft), Pixels(s.pos_WinTop), Pixels(s.size_WinWidth),
                 Pixels(s.size_WinHeight));
@@ -86,6 +91,7 @@ void cDisplayWindow::ApplyMode(int32_t mode) {
         // A window left on a screen that is gone comes back into view.
         if (!area.intersects(r)) r.moveCenter(area.center());
         setGeometry(r);
+        FitWidth();
         show();
     } else if (mode == kModeTray) {
         const int line = picture_.TextExtent(u"").cy;
@@ -98,6 +104,21 @@ void cDisplayWindow::ApplyMode(int32_t mode) {
     }
     applying_ = false;
     update();
+}
+
+void cDisplayWindow::FitWidth() {
+    if (mode_ != kModeWindow || lyricWidth_ <= 0) return;
+    // The widest line of the layout, clear of the resizing borders.
+    const QRect area = AvailableArea();
+    const int wanted = std::min(lyricWidth_ + 2 * kEdge, area.width());
+    if (width() >= wanted) return;
+    // Grows on both sides alike, and stays on the screen.
+    QRect r = geometry();
+    r.setLeft(r.left() - (wanted - r.width()) / 2);
+    r.setWidth(wanted);
+    if (r.left() < area.left()) r.moveLeft(area.left());
+    if (r.right() > area.right()) r.moveRight(area.right());
+    setGeometry(r);
 }
 
 void cDisplayWindow::ScrollTo(const cRect& line) {

@@ -49,6 +49,9 @@ class cDisplayWindow final : public QWidget {
   private:
     // Where the picture's top left corner is drawn in the window.
     QPoint PictureOrigin() const;
+    // In window mode, widens the window to show the lyric's widest line whole,
+    // as far as the screen allows; a window wide enough keeps its size.
+    void FitWidth();
     void ScrollTo(const cRect& line);
     void Step();
     void StoreGeometry();

@@ -275,8 +275,17 @@ cEditorWindow::cEditorWindow(Links links)
     buttons->addStretch();
     for (QPushButton* b : {cmdLoad_, cmdSave_, cmdInternet_, cmdReset_, cmdBack_, cmdNext_})
         buttons->addWidget(b);
+    // The preview's explanation, above its lyric picture.
+    const std::u16string preview =
+        links_.texts ? links_.texts(u"TovalEditPreviewText") : std::u16string();
+    preview_ = new QLabel(QtText(preview).remove(QLatin1Char('\r')), this);
+    preview_->setObjectName(QStringLiteral("lblPreview"));
+    preview_->setWordWrap(true);
+    preview_->setAlignment(Qt::AlignLeading | Qt::AlignVCenter);
+    preview_->hide();
     auto* main = new QVBoxLayout(this);
     main->addWidget(text_, 1);
+    main->addWidget(preview_);
     main->addWidget(scroll_, 1);
     main->addLayout(buttons);
 
@@ -343,6 +352,8 @@ QWidget* cEditorWindow::Control(eEditorControl control) const {
 
 void cEditorWindow::setCaption(const std::u16string& text) {
     setWindowTitle(QtText(text));
+    // The caption changes with the step: the preview's explanation shows in its own.
+    preview_->setVisible(editor_.Step() == 3 && !preview_->text().isEmpty());
 }
 
 void cEditorWindow::setEnabled(eEditorControl control, bool enabled) {

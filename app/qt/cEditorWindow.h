@@ -6,6 +6,7 @@
 #pragma once
 
 #include <QCheckBox>
+#include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
@@ -103,6 +104,7 @@ class cEditorWindow final : public QWidget, public iEditorView {
     cQtTimer stream_;     // tmr_Stream
     cEditor editor_;
     QPlainTextEdit* text_;
+    QLabel* preview_;  // the preview step's explanation
     QScrollArea* scroll_;
     cEditorPicture* picture_;
     QPushButton *cmdLoad_, *cmdSave_, *cmdInternet_, *cmdBack_, *cmdNext_, *cmdReset_;

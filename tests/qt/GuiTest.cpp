@@ -290,6 +290,9 @@ TEST_F(GuiTest, HighlightFollowsPlaySeekPauseAndTheNextTrack) {
         program_->ApplySettings(edited, dialog.LanguageFile());
         Pump(300);
         Shot("window-after-settings");
+        // The larger font's widest line shows whole: the window grew to it.
+        const auto whole = Display()->Lyric()->Delta();
+        EXPECT_GE(program_->Window().width(), whole->Final()->X() - whole->Initial()->X());
         EXPECT_EQ(program_->Logic().Display()->SlotColor(kSlotBackground), 0x202020);
     }
 
@@ -374,6 +377,7 @@ TEST_F(GuiTest, EditorTimesThePlayingTrackWithTheArrowKeysAndSavesTheLyricBeside
     click("cmdNext");
     Pump(1000);
     Grab(window, "editor-preview");
+    EXPECT_TRUE(window->findChild<QLabel*>("lblPreview")->isVisible());
 
     fs::remove(home_.path() / "a.tvl");
     OnModal([&](QWidget* dialog) {
