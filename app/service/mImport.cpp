@@ -5,6 +5,7 @@
 #include <ctime>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <ostream>
 #include <string_view>
 
@@ -21,6 +22,16 @@ namespace {
 constexpr std::array<std::string_view, 14> kAudio = {".mp3", ".flac", ".ogg", ".oga", ".opus",
                                                      ".m4a", ".mp4",  ".aac", ".wma", ".wav",
                                                      ".ape", ".mpc",  ".wv",  ".aiff"};
+
+// The audio file's size as the program's track record holds it: 0 when it
+// does not fit.
+int32_t FileSize(const std::filesystem::path& file) {
+    std::error_code ec;
+    const auto size = std::filesystem::file_size(file, ec);
+    return !ec && size <= static_cast<uintmax_t>(std::numeric_limits<int32_t>::max())
+               ? static_cast<int32_t>(size)
+               : 0;
+}
 
 std::string Lower(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
@@ -57,12 +68,12 @@ cImportCount Import(const std::filesystem::path& folder, iLyricStore& store, std
             ++count.skipped;
         };
         const auto audio = AudioBeside(path);
-        cAudioTags tags;
         if (audio.empty()) {
             skip("no audio file beside it");
             continue;
         }
-        if (!ReadAudioTags(audio, tags) || tags.artist.empty() || tags.title.empty()) {
+        const cAudioTags tags = ReadAudioTags(audio.string());
+        if (tags.artist.empty() || tags.title.empty()) {
             skip("its audio file has no artist or title");
             continue;
         }
@@ -80,8 +91,8 @@ cImportCount Import(const std::filesystem::path& folder, iLyricStore& store, std
         r.artistKey = MatchKey(r.artist);
         r.albumKey = MatchKey(r.album);
         r.titleKey = MatchKey(r.title);
-        r.duration = tags.seconds;
-        r.fileSize = tags.fileSize;
+        r.duration = tags.milliseconds > 0 ? tags.milliseconds / 1000 : 0;
+        r.fileSize = FileSize(audio);
         cLyric lyric;
         lyric.setLoad(Strings().utf8TOwstring(text));
         r.mutation = lyric.Mutation() == kUnset ? 0 : lyric.Mutation();
