@@ -142,9 +142,9 @@ cWindow::Args DialogArgs(HWND owner, const std::u16string& title, int width, int
 
 HWND AddControl(HWND parent, const wchar_t* className, const std::u16string& text, DWORD style,
                 int id, HFONT font, DWORD exStyle) {
-    const HWND control = CreateWindowExW(exStyle, className, Wide(text), WS_CHILD | style, 0, 0,
-                                         0, 0, parent, reinterpret_cast<HMENU>(INT_PTR{id}),
-                                         GetModuleHandleW(nullptr), nullptr);
+    const HWND control =
+        CreateWindowExW(exStyle, className, Wide(text), WS_CHILD | style, 0, 0, 0, 0, parent,
+                        reinterpret_cast<HMENU>(INT_PTR{id}), GetModuleHandleW(nullptr), nullptr);
     SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
     return control;
 }

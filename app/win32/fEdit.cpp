@@ -63,8 +63,13 @@ fEdit::fEdit(cGlobals& globals, Random& random, cConfig& config, cWinShell& shel
     // their own reading order (the lyric picture is laid out by the lyric).
     const DWORD ex = WS_EX_NOINHERITLAYOUT | (globals_.RightToLeft ? WS_EX_LAYOUTRTL : 0u);
     window_.Create(
-        {.title = L"", .style = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, .exStyle = ex,
-         .width = 640, .height = 480, .className = kEditClass, .background = COLOR_BTNFACE + 1},
+        {.title = L"",
+         .style = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
+         .exStyle = ex,
+         .width = 640,
+         .height = 480,
+         .className = kEditClass,
+         .background = COLOR_BTNFACE + 1},
         [this](UINT m, WPARAM w, LPARAM l, LRESULT& r) { return OnMessage(m, w, l, r); });
     dpi_ = WindowDpi(window_.Hwnd());
     CreateControls();
@@ -126,9 +131,9 @@ void fEdit::CreateTextBox() {
     const std::u16string text = box ? ControlText(box) : editor_.EditText();
     const bool visible = !box || IsWindowVisible(box);
     if (box) DestroyWindow(box);
-    const DWORD ex = WS_EX_CLIENTEDGE | (editor_.EditRightToLeft()
-                                             ? WS_EX_RTLREADING | WS_EX_RIGHT | WS_EX_LEFTSCROLLBAR
-                                             : 0u);
+    const DWORD ex =
+        WS_EX_CLIENTEDGE |
+        (editor_.EditRightToLeft() ? WS_EX_RTLREADING | WS_EX_RIGHT | WS_EX_LEFTSCROLLBAR : 0u);
     box = AddControl(window_.Hwnd(), L"EDIT", text,
                      (visible ? WS_VISIBLE : 0u) | WS_TABSTOP | WS_VSCROLL | ES_MULTILINE |
                          ES_AUTOVSCROLL | ES_WANTRETURN | ES_NOHIDESEL,
@@ -141,10 +146,10 @@ void fEdit::ApplyFonts() {
     font_ = MessageFont(dpi_);
     textFont_ = SettingsFont(globals_.Settings, dpi_, false);
     for (size_t i = 0; i < controls_.size(); ++i)
-        SendMessageW(controls_[i], WM_SETFONT,
-                     reinterpret_cast<WPARAM>(
-                         i == Index(eEditorControl::fraText) ? textFont_ : font_),
-                     TRUE);
+        SendMessageW(
+            controls_[i], WM_SETFONT,
+            reinterpret_cast<WPARAM>(i == Index(eEditorControl::fraText) ? textFont_ : font_),
+            TRUE);
     SendMessageW(info_, WM_SETFONT, reinterpret_cast<WPARAM>(font_), TRUE);
     surface_.setFont(globals_.Settings, dpi_);
     if (oldFont) DeleteObject(oldFont);
@@ -179,9 +184,9 @@ void fEdit::Layout() {
 void fEdit::setCaption(const std::u16string& text) {
     SetWindowTextW(window_.Hwnd(), Wide(text));
     // The preview explains itself below the picture.
-    SetWindowTextW(info_, Wide(editor_.Step() == 3
-                                   ? config_.Language().MessageText(u"TovalEditPreviewText")
-                                   : std::u16string()));
+    SetWindowTextW(
+        info_, Wide(editor_.Step() == 3 ? config_.Language().MessageText(u"TovalEditPreviewText")
+                                        : std::u16string()));
 }
 
 void fEdit::setEnabled(eEditorControl control, bool enabled) {
@@ -241,8 +246,7 @@ bool fEdit::ShowSave(cFileDialog& dialog) {
     return FileDialog(dialog, true);
 }
 
-int32_t fEdit::ShowMessage(const std::u16string& text, const std::u16string& title,
-                           int32_t flags) {
+int32_t fEdit::ShowMessage(const std::u16string& text, const std::u16string& title, int32_t flags) {
     shell_.setOwner(window_.Hwnd());
     const int32_t answer = shell_.ShowMessage(text, title, flags);
     shell_.setOwner(nullptr);
@@ -389,8 +393,7 @@ void fEdit::setWindowRect(const cWindowRect& rect) {
         left = (GetSystemMetrics(SM_CXSCREEN) - width) / 2;
         top = (GetSystemMetrics(SM_CYSCREEN) - height) / 2;
     }
-    SetWindowPos(window_.Hwnd(), nullptr, left, top, width, height,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
+    SetWindowPos(window_.Hwnd(), nullptr, left, top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void fEdit::Close() {
@@ -404,8 +407,8 @@ bool fEdit::OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& resul
         case WM_COMMAND: {
             const auto control = static_cast<eEditorControl>(LOWORD(wParam) - kEditControlId);
             const HWND hwnd = Control(eEditorControl::fraText);
-            const bool checked = lParam && SendMessageW(reinterpret_cast<HWND>(lParam),
-                                                        BM_GETCHECK, 0, 0) == BST_CHECKED;
+            const bool checked = lParam && SendMessageW(reinterpret_cast<HWND>(lParam), BM_GETCHECK,
+                                                        0, 0) == BST_CHECKED;
             switch (control) {
                 case eEditorControl::fraText:
                     if (HIWORD(wParam) == EN_CHANGE) editor_.txtEdit_Change(ControlText(hwnd));

@@ -110,14 +110,15 @@ bool fEditAdvTime::OpenForm(HWND owner, cEditAdvTime& dialog, cConfig& config, b
     const HWND hwnd = window.Hwnd();
     const std::u16string prefix = u".fEditAdvTime.";
     for (const Item& item : kItems)
-        MoveWindow(AddControl(hwnd, item.cls, ObjectCaption(config, prefix + item.name, item.english),
-                              WS_VISIBLE | item.style, item.id, font),
-                   px(item.x), px(item.y), px(item.w), px(item.h), FALSE);
+        MoveWindow(
+            AddControl(hwnd, item.cls, ObjectCaption(config, prefix + item.name, item.english),
+                       WS_VISIBLE | item.style, item.id, font),
+            px(item.x), px(item.y), px(item.w), px(item.h), FALSE);
     for (int i = 0; i < cEditAdvTime::kFieldCount; ++i) {
         const POINT at = kFields[static_cast<size_t>(i)];
-        const HWND field = AddControl(hwnd, L"EDIT", dialog.txtEdit(i),
-                                      WS_VISIBLE | WS_TABSTOP | ES_AUTOHSCROLL, kFirstField + i,
-                                      font, WS_EX_CLIENTEDGE);
+        const HWND field =
+            AddControl(hwnd, L"EDIT", dialog.txtEdit(i), WS_VISIBLE | WS_TABSTOP | ES_AUTOHSCROLL,
+                       kFirstField + i, font, WS_EX_CLIENTEDGE);
         MoveWindow(field, px(at.x), px(at.y), px(90), px(24), FALSE);
         fields[static_cast<size_t>(i)] = field;
     }

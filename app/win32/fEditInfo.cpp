@@ -36,8 +36,8 @@ void PaintKeys(HDC dc, int left, int top, int size) {
 
 }  // namespace
 
-void fEditInfo::OpenForm(HWND owner, const std::u16string& text, cConfig& config,
-                         bool rightToLeft, int dpi) {
+void fEditInfo::OpenForm(HWND owner, const std::u16string& text, cConfig& config, bool rightToLeft,
+                         int dpi) {
     const auto px = [&](int v) { return MulDiv(v, dpi, 96); };
     const std::u16string title = ObjectCaption(config, u".fEditInfo", u"How to time a lyric");
     const HFONT font = MessageFont(dpi);
@@ -61,9 +61,9 @@ void fEditInfo::OpenForm(HWND owner, const std::u16string& text, cConfig& config
     const HWND hwnd = window.Hwnd();
     MoveWindow(AddControl(hwnd, L"STATIC", text, WS_VISIBLE | SS_LEFT, 1, font), px(12), px(12),
                px(416), px(180), FALSE);
-    MoveWindow(AddControl(hwnd, L"BUTTON", u"OK", WS_VISIBLE | WS_TABSTOP | BS_DEFPUSHBUTTON,
-                          IDOK, font),
-               px(340), px(292), px(88), px(26), FALSE);
+    MoveWindow(
+        AddControl(hwnd, L"BUTTON", u"OK", WS_VISIBLE | WS_TABSTOP | BS_DEFPUSHBUTTON, IDOK, font),
+        px(340), px(292), px(88), px(26), FALSE);
     ShowWindow(hwnd, SW_SHOW);
     SetFocus(GetDlgItem(hwnd, IDOK));
     RunModal(hwnd, owner, [&] { return done; });

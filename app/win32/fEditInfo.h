@@ -13,8 +13,8 @@ class cConfig;
 class fEditInfo {
   public:
     // Modal over owner until OK, Enter, Escape or the close box.
-    static void OpenForm(HWND owner, const std::u16string& text, cConfig& config,
-                         bool rightToLeft, int dpi);
+    static void OpenForm(HWND owner, const std::u16string& text, cConfig& config, bool rightToLeft,
+                         int dpi);
 };
 
 }  // namespace toval

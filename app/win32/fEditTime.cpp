@@ -23,13 +23,13 @@ void fEditTime::OpenForm(HWND owner, cEditTime& dialog, cConfig& config, bool ri
                       if (LOWORD(wParam) != IDOK && LOWORD(wParam) != IDCANCEL) return false;
                       // Enter and Escape reach the field's key handler.
                       dialog.setTxtEdit(ControlText(field));
-                      done = dialog.txtEdit_KeyPress(LOWORD(wParam) == IDOK ? kKeyEnter
-                                                                            : kKeyEscape);
+                      done =
+                          dialog.txtEdit_KeyPress(LOWORD(wParam) == IDOK ? kKeyEnter : kKeyEscape);
                       return true;
                   });
     const HWND hwnd = window.Hwnd();
-    field = AddControl(hwnd, L"EDIT", dialog.txtEdit(), WS_VISIBLE | WS_TABSTOP | ES_AUTOHSCROLL,
-                       1, font, WS_EX_CLIENTEDGE);
+    field = AddControl(hwnd, L"EDIT", dialog.txtEdit(), WS_VISIBLE | WS_TABSTOP | ES_AUTOHSCROLL, 1,
+                       font, WS_EX_CLIENTEDGE);
     MoveWindow(field, px(12), px(12), px(276), px(24), FALSE);
     const HWND hint = AddControl(
         hwnd, L"STATIC", config.Language().GetValue(u"objects", u".fEditTime.txtEdit.tooltiptext"),

@@ -12,8 +12,7 @@ class cEditTime;
 class fEditTime {
   public:
     // Modal over owner until the dialog closes.
-    static void OpenForm(HWND owner, cEditTime& dialog, cConfig& config, bool rightToLeft,
-                         int dpi);
+    static void OpenForm(HWND owner, cEditTime& dialog, cConfig& config, bool rightToLeft, int dpi);
 };
 
 }  // namespace toval

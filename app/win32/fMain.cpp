@@ -18,7 +18,6 @@ constexpr UINT kMsgTrayIcon = WM_APP + 1;
 constexpr UINT kMsgDropSettings = WM_APP + 2;
 constexpr UINT kMsgDropEditor = WM_APP + 3;
 
-
 }  // namespace
 
 fMain::fMain() {
