@@ -37,7 +37,8 @@ void PaintPicture(HWND hwnd, const cGdiSurface& picture, int left, int top, COLO
            std::min(static_cast<int>(client.right), picture.Width() - std::max(0, left)),
            std::min(static_cast<int>(client.bottom), picture.Height() - std::max(0, top)),
            picture.Dc(), std::max(0, left), std::max(0, top), SRCCOPY);
-    BitBlt(dc, 0, 0, client.right, client.bottom, buffer, 0, 0, SRCCOPY);
+    // A mirrored (right-to-left) window must not mirror the text's picture.
+    BitBlt(dc, 0, 0, client.right, client.bottom, buffer, 0, 0, SRCCOPY | NOMIRRORBITMAP);
     SelectObject(buffer, old);
     DeleteObject(bitmap);
     DeleteDC(buffer);

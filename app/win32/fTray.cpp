@@ -136,8 +136,9 @@ void fTray::ShowAsWindow() {
 }
 
 bool fTray::AttachToTaskBar() {
+    // A shell may keep a task bar that nobody sees (Wine without a desktop).
     const HWND bar = FindWindowW(L"Shell_TrayWnd", nullptr);
-    if (!bar) return false;
+    if (!bar || !IsWindowVisible(bar)) return false;
     Hide();
     window_.Create(
         {.title = reinterpret_cast<const wchar_t*>(caption_.c_str()),

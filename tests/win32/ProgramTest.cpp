@@ -120,21 +120,24 @@ TEST_F(Evening, TheLyricFollowsThePlayerThroughSeeksForwardAndBack) {
     Screenshot("display-window-mode");
     PostMessageW(main, WM_COMMAND, kMnuSettings, 0);
     HWND settings = nullptr;
-    EXPECT_TRUE(
-        Eventually([&] { return (settings = toval->Window(L"TovalSettings")) != nullptr; }));
+    EXPECT_TRUE(Eventually([&] {
+        settings = toval->Window(L"TovalSettings");
+        return settings && IsWindowVisible(settings);
+    }));
     EXPECT_TRUE(GetWindowLongW(settings, GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
     Screenshot("settings-right-to-left");
     PostMessageW(settings, WM_COMMAND, IDCANCEL, 0);
 
-    // In the task bar when there is one (a virtual desktop); else a window.
-    const LRESULT expected = FindWindowW(L"Shell_TrayWnd", nullptr) ? 1 : 2;
+    // In the task bar when one is shown (a virtual desktop); else a new window.
+    const HWND bar = FindWindowW(L"Shell_TrayWnd", nullptr);
+    const LRESULT expected = bar && IsWindowVisible(bar) ? 1 : 2;
+    const HWND before = display;
     PostMessageW(main, WM_COMMAND, kMnuTrayMode, 0);
     EXPECT_TRUE(Eventually([&] {
-        display = toval->Window(kTrayClass);
-        if (!display && expected == 1)
-            display =
-                FindWindowExW(FindWindowW(L"Shell_TrayWnd", nullptr), nullptr, kTrayClass, nullptr);
-        return display && SendMessageW(display, kTrayQueryMode, 0, 0) == expected;
+        display = expected == 1 ? FindWindowExW(bar, nullptr, kTrayClass, nullptr)
+                                : toval->Window(kTrayClass);
+        return display && display != before &&
+               SendMessageW(display, kTrayQueryMode, 0, 0) == expected;
     }));
     Screenshot("display-task-bar-mode");
 
