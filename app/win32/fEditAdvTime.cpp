@@ -124,6 +124,7 @@ bool fEditAdvTime::OpenForm(HWND owner, cEditAdvTime& dialog, cConfig& config, b
     }
     show();
     ShowWindow(hwnd, SW_SHOW);
+    UpdateWindow(hwnd);
     SetFocus(GetDlgItem(hwnd, IDOK));
     RunModal(hwnd, owner, [&] { return done; });
     window.Destroy();

@@ -65,6 +65,7 @@ void fEditInfo::OpenForm(HWND owner, const std::u16string& text, cConfig& config
         AddControl(hwnd, L"BUTTON", u"OK", WS_VISIBLE | WS_TABSTOP | BS_DEFPUSHBUTTON, IDOK, font),
         px(340), px(292), px(88), px(26), FALSE);
     ShowWindow(hwnd, SW_SHOW);
+    UpdateWindow(hwnd);
     SetFocus(GetDlgItem(hwnd, IDOK));
     RunModal(hwnd, owner, [&] { return done; });
     window.Destroy();

@@ -36,6 +36,7 @@ void fEditTime::OpenForm(HWND owner, cEditTime& dialog, cConfig& config, bool ri
         WS_VISIBLE | SS_LEFT, 2, font);
     MoveWindow(hint, px(12), px(42), px(276), px(40), FALSE);
     ShowWindow(hwnd, SW_SHOW);
+    UpdateWindow(hwnd);
     SetFocus(field);
     SendMessageW(field, EM_SETSEL, 0, -1);
     RunModal(hwnd, owner, [&] { return done; });
