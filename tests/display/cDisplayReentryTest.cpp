@@ -35,14 +35,15 @@ TEST(cDisplayReentryTest, ALyricClearedOrReplacedWhileMeasuringIsNotDrawn) {
         lyric->setLoad(text);
         return lyric;
     };
+    const auto gone = lyricOf(u"[1000]gone");
     measure.turn = [&] { display.Clear(); };
-    display.setLyric(lyricOf(u"[1000]gone"));
+    display.setLyric(gone);
     EXPECT_EQ(display.Lyric(), nullptr);
     EXPECT_TRUE(surface.Painted().empty());
 
-    const auto newer = lyricOf(u"[1000]newer");
+    const auto newer = lyricOf(u"[1000]newer"), older = lyricOf(u"[1000]older");
     measure.turn = [&] { display.setLyric(newer); };
-    display.setLyric(lyricOf(u"[1000]older"));
+    display.setLyric(older);
     EXPECT_EQ(display.Lyric(), newer);
     ASSERT_EQ(surface.Painted().size(), 1u);
     EXPECT_EQ(surface.Painted()[0].rfind("newer/", 0), 0u);
