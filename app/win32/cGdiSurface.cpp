@@ -1,23 +1,49 @@
 #include "cGdiSurface.h"
 
+#include <algorithm>
+
 #include "cWindow.h"
 
 namespace toval {
 
 namespace {
 
-HFONT MakeFont(const cSettings& s, int dpi, bool underline) {
+RECT ToRect(const cRect& r) {
+    return RECT{r.Left, r.Top, r.Right, r.Bottom};
+}
+
+}  // namespace
+
+HFONT SettingsFont(const cSettings& s, int dpi, bool underline) {
     const int height = -MulDiv(s.font_Size > 0 ? s.font_Size : 8, dpi > 0 ? dpi : 96, 72);
     return CreateFontW(height, 0, 0, 0, s.font_Bold ? FW_BOLD : FW_NORMAL, s.font_Italic, underline,
                        s.font_Strikethru, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,
                        CLEARTYPE_QUALITY, DEFAULT_PITCH | FF_DONTCARE, Wide(s.font_Name));
 }
 
-RECT ToRect(const cRect& r) {
-    return RECT{r.Left, r.Top, r.Right, r.Bottom};
+void PaintPicture(HWND hwnd, const cGdiSurface& picture, int left, int top, COLORREF background) {
+    PAINTSTRUCT ps;
+    const HDC dc = BeginPaint(hwnd, &ps);
+    RECT client;
+    GetClientRect(hwnd, &client);
+    const HDC buffer = CreateCompatibleDC(dc);
+    const HBITMAP bitmap =
+        CreateCompatibleBitmap(dc, std::max(1L, client.right), std::max(1L, client.bottom));
+    const HGDIOBJ old = SelectObject(buffer, bitmap);
+    const HBRUSH brush = CreateSolidBrush(background);
+    FillRect(buffer, &client, brush);
+    DeleteObject(brush);
+    BitBlt(buffer, std::max(0, -left), std::max(0, -top),
+           std::min(static_cast<int>(client.right), picture.Width() - std::max(0, left)),
+           std::min(static_cast<int>(client.bottom), picture.Height() - std::max(0, top)),
+           picture.Dc(), std::max(0, left), std::max(0, top), SRCCOPY);
+    // A mirrored (right-to-left) window must not mirror the text's picture.
+    BitBlt(dc, 0, 0, client.right, client.bottom, buffer, 0, 0, SRCCOPY | NOMIRRORBITMAP);
+    SelectObject(buffer, old);
+    DeleteObject(bitmap);
+    DeleteDC(buffer);
+    EndPaint(hwnd, &ps);
 }
-
-}  // namespace
 
 cGdiSurface::cGdiSurface() {
     const HDC screen = GetDC(nullptr);
@@ -43,8 +69,8 @@ void cGdiSurface::setFont(const cSettings& settings, int dpi) {
     }
     if (font_) DeleteObject(font_);
     if (underlined_) DeleteObject(underlined_);
-    font_ = MakeFont(settings, dpi, settings.font_Underline);
-    underlined_ = MakeFont(settings, dpi, true);
+    font_ = SettingsFont(settings, dpi, settings.font_Underline);
+    underlined_ = SettingsFont(settings, dpi, true);
     SelectFont();
 }
 

@@ -55,4 +55,12 @@ class cGdiSurface final : public MeasureSurface, public DrawSurface {
     int width_ = 0, height_ = 0;
 };
 
+// The display font of the settings at dpi; the caller deletes it.
+HFONT SettingsFont(const cSettings& settings, int dpi, bool underline);
+
+// Paints a window whose client area shows the picture from its point (left,
+// top) on, the rest in the background colour. All of it goes to one
+// off-screen copy first: no flicker.
+void PaintPicture(HWND hwnd, const cGdiSurface& picture, int left, int top, COLORREF background);
+
 }  // namespace toval

@@ -16,16 +16,7 @@ namespace {
 
 constexpr UINT kMsgTrayIcon = WM_APP + 1;
 constexpr UINT kMsgDropSettings = WM_APP + 2;
-
-enum MenuId : UINT {
-    kMnuWindowMode = 100,
-    kMnuTrayMode,
-    kMnuEdit,
-    kMnuSettings,
-    kMnuClearCache,
-    kMnuAbout,
-    kMnuExit,
-};
+constexpr UINT kMsgDropEditor = WM_APP + 3;
 
 }  // namespace
 
@@ -65,6 +56,7 @@ fMain::fMain() {
     logic_->onDisplayLoaded = [this](cDisplay& display) { tray_->Attach(&display); };
     logic_->onUnloadForms = [this] {
         settings_.reset();
+        edit_.reset();
         tray_->Attach(nullptr);
         RemoveTrayIcon();
     };
@@ -175,11 +167,24 @@ void fMain::Command(UINT id) {
 
 void fMain::OpenEditor() {
     const auto plugin = logic_->Plugin();
-    if (!plugin || !plugin->Music() || !plugin->Music()->IsValid()) {
+    if (!plugin || !plugin->Music() || !plugin->Music()->IsValid() || !logic_->Config() ||
+        !logic_->RandomSource()) {
         shell_.ShowMessage(logic_->Text(u"InvalidMusicTAG"), logic_->Text(u"AttentionTitle"),
                            kMbIconExclamation);
         return;
     }
+    if (edit_) {
+        SetForegroundWindow(edit_->Hwnd());
+        return;
+    }
+    edit_ = std::make_unique<fEdit>(globals_, *logic_->RandomSource(), *logic_->Config(), shell_);
+    // A saved lyric is looked up again, so the display shows it.
+    edit_->Editor().onSaved = [this](const std::u16string&) {
+        if (logic_->Core()) logic_->Core()->Reset();
+    };
+    // Dropped once its own message has returned.
+    edit_->onClosed = [this] { PostMessageW(main_.Hwnd(), kMsgDropEditor, 0, 0); };
+    edit_->Show(*plugin->Music());
 }
 
 void fMain::ShowSettings() {
@@ -213,7 +218,7 @@ void fMain::ShowAbout() {
     shell_.ShowMessage(text, logic_->Text(u"AttentionTitle"), kMbIconInformation);
 }
 
-bool fMain::OnMessage(UINT message, WPARAM, LPARAM lParam, LRESULT& result) {
+bool fMain::OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
     result = 0;
     if (message == kMsgTrayIcon) {
         const UINT event = LOWORD(lParam);
@@ -224,6 +229,15 @@ bool fMain::OnMessage(UINT message, WPARAM, LPARAM lParam, LRESULT& result) {
         // Explorer restarted: the icon comes back.
         iconShown_ = false;
         AddTrayIcon();
+        return true;
+    }
+    if (message == WM_COMMAND && HIWORD(wParam) == 0) {
+        // The menu's entries, also for tools that send them.
+        Command(LOWORD(wParam));
+        return true;
+    }
+    if (message == kMsgDropEditor) {
+        if (edit_ && !edit_->Hwnd()) edit_.reset();
         return true;
     }
     if (message == kMsgDropSettings) {

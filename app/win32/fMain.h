@@ -20,11 +20,24 @@
 #include "cWindow.h"
 #include "config/cSettings.h"
 #include "core/cMainLogic.h"
+#include "fEdit.h"
 #include "fSettings.h"
 #include "fTray.h"
 #include "platform/Clock.h"
 
 namespace toval {
+
+// The entries of the notification-area menu. Tools and tests may send them to
+// the main window (class TovalMain) as WM_COMMAND.
+enum MenuId : UINT {
+    kMnuWindowMode = 100,
+    kMnuTrayMode,
+    kMnuEdit,
+    kMnuSettings,
+    kMnuClearCache,
+    kMnuAbout,
+    kMnuExit,
+};
 
 class fMain {
   public:
@@ -63,6 +76,7 @@ class fMain {
     std::unique_ptr<cWinStringsLibrary> strings_;
     std::unique_ptr<fTray> tray_;
     std::unique_ptr<fSettings> settings_;
+    std::unique_ptr<fEdit> edit_;
     NOTIFYICONDATAW icon_{};
     bool iconShown_ = false;
     UINT taskbarCreated_ = 0;

@@ -8,18 +8,20 @@ namespace toval {
 namespace {
 
 constexpr int kRowHeight = 26;
-constexpr int kLabelWidth = 150;
+constexpr int kLabelWidth = 200;
 constexpr int kEditWidth = 140;
 constexpr int kColumnWidth = kLabelWidth + kEditWidth + 24;
 constexpr int kMargin = 12;
 
 enum ControlId : int { kCmdOk = IDOK, kCmdCancel = IDCANCEL, kCmdApply = 3, kIdFirstEdit = 100 };
 
-// The caption of a setting: the language's, else the key itself.
-std::u16string Label(cConfig& config, const std::u16string& name) {
+// The caption of a setting or a button: the language's, else english (the
+// setting's key itself when none is given).
+std::u16string Label(cConfig& config, const std::u16string& name,
+                     const std::u16string& english = {}) {
     const std::u16string text =
         config.Language().GetValue(u"objects", u".fSettings." + name + u".caption");
-    return text.empty() ? name : text;
+    return !text.empty() ? text : english.empty() ? name : english;
 }
 
 }  // namespace
@@ -82,11 +84,12 @@ void fSettings::Show() {
                                  kEditWidth, kRowHeight - 4, kIdFirstEdit + static_cast<int>(i)));
     }
     const int buttonsY = height - kMargin - 26;
-    control(L"BUTTON", L"OK", WS_TABSTOP | BS_DEFPUSHBUTTON, width - kMargin - 3 * 90, buttonsY, 80,
-            26, kCmdOk);
-    control(L"BUTTON", L"Cancel", WS_TABSTOP, width - kMargin - 2 * 90, buttonsY, 80, 26,
-            kCmdCancel);
-    control(L"BUTTON", L"Apply", WS_TABSTOP, width - kMargin - 90, buttonsY, 80, 26, kCmdApply);
+    control(L"BUTTON", Wide(Label(config_, u"cmdOk", u"OK")), WS_TABSTOP | BS_DEFPUSHBUTTON,
+            width - kMargin - 3 * 90, buttonsY, 80, 26, kCmdOk);
+    control(L"BUTTON", Wide(Label(config_, u"cmdCancel", u"Cancel")), WS_TABSTOP,
+            width - kMargin - 2 * 90, buttonsY, 80, 26, kCmdCancel);
+    control(L"BUTTON", Wide(Label(config_, u"cmdApply", u"&Apply")), WS_TABSTOP,
+            width - kMargin - 90, buttonsY, 80, 26, kCmdApply);
     Fill();
     ShowWindow(hwnd, SW_SHOW);
     if (!edits_.empty()) SetFocus(edits_.front());

@@ -136,8 +136,9 @@ void fTray::ShowAsWindow() {
 }
 
 bool fTray::AttachToTaskBar() {
+    // A shell may keep a task bar that nobody sees (Wine without a desktop).
     const HWND bar = FindWindowW(L"Shell_TrayWnd", nullptr);
-    if (!bar) return false;
+    if (!bar || !IsWindowVisible(bar)) return false;
     Hide();
     window_.Create(
         {.title = reinterpret_cast<const wchar_t*>(caption_.c_str()),
@@ -268,28 +269,8 @@ void fTray::Refreshed() {
 }
 
 void fTray::Paint() {
-    PAINTSTRUCT ps;
-    const HDC dc = BeginPaint(window_.Hwnd(), &ps);
-    RECT client;
-    GetClientRect(window_.Hwnd(), &client);
     const cColor background = display_ ? display_->SlotColor(kSlotBackground) : 0;
-    // Everything goes to one off-screen copy first: no flicker.
-    const HDC buffer = CreateCompatibleDC(dc);
-    const HBITMAP bitmap =
-        CreateCompatibleBitmap(dc, std::max(1L, client.right), std::max(1L, client.bottom));
-    const HGDIOBJ old = SelectObject(buffer, bitmap);
-    const HBRUSH brush = CreateSolidBrush(static_cast<COLORREF>(background));
-    FillRect(buffer, &client, brush);
-    DeleteObject(brush);
-    BitBlt(buffer, -viewLeft_ < 0 ? 0 : -viewLeft_, -viewTop_ < 0 ? 0 : -viewTop_,
-           std::min(static_cast<int>(client.right), surface_.Width() - std::max(0, viewLeft_)),
-           std::min(static_cast<int>(client.bottom), surface_.Height() - std::max(0, viewTop_)),
-           surface_.Dc(), std::max(0, viewLeft_), std::max(0, viewTop_), SRCCOPY);
-    BitBlt(dc, 0, 0, client.right, client.bottom, buffer, 0, 0, SRCCOPY);
-    SelectObject(buffer, old);
-    DeleteObject(bitmap);
-    DeleteDC(buffer);
-    EndPaint(window_.Hwnd(), &ps);
+    PaintPicture(window_.Hwnd(), surface_, viewLeft_, viewTop_, static_cast<COLORREF>(background));
 }
 
 bool fTray::OnMessage(UINT message, WPARAM, LPARAM lParam, LRESULT& result) {

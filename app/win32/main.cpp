@@ -1,6 +1,8 @@
 // toval.exe: the lyric display beside a media player with the Toval plug-in.
 #include <windows.h>
 
+#include <objbase.h>
+
 #include <string>
 
 #include "fMain.h"
@@ -13,12 +15,16 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR commandLine, int) {
     const size_t last = command.find_last_not_of(u" \t");
     command = first == std::u16string::npos ? u"" : command.substr(first, last - first + 1);
 
+    // The file dialogs browse the shell's folders, which need COM.
+    const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
     toval::fMain main;
-    if (!main.Form_Load(command)) return 0;
-    MSG msg;
-    while (GetMessageW(&msg, nullptr, 0, 0) > 0) {
-        TranslateMessage(&msg);
-        DispatchMessageW(&msg);
+    if (main.Form_Load(command)) {
+        MSG msg;
+        while (GetMessageW(&msg, nullptr, 0, 0) > 0) {
+            TranslateMessage(&msg);
+            DispatchMessageW(&msg);
+        }
     }
+    if (SUCCEEDED(com)) CoUninitialize();
     return 0;
 }

@@ -152,15 +152,20 @@ void cDisplay::Redraw() {
         word_ = kUnset;
         surface_.Blank(SlotColor(kSlotBackground));
         cRect whole;
-        if (lyric_) {
-            if (lyric_->AuxPictureBox()) {
-                lyric_->setAlignment(globals_.Settings.text_alignment);
-                lyric_->Resize();
+        // Held: measuring runs a turn of the message loop, in which the
+        // display may be cleared or given another lyric.
+        const std::shared_ptr<cLyric> lyric = lyric_;
+        if (lyric) {
+            if (lyric->AuxPictureBox()) {
+                lyric->setAlignment(globals_.Settings.text_alignment);
+                lyric->Resize();
+                // Replaced meanwhile: the newer state has drawn itself.
+                if (lyric_ != lyric) return;
             }
-            const int32_t lines = lyric_->GetLineSize();
+            const int32_t lines = lyric->GetLineSize();
             for (int32_t i = 0; i < lines; ++i)
-                DrawTextLine(lyric_->GetLine(i), kSlotBackText, i == 0);
-            BoxOf(lyric_->Delta(), whole);
+                DrawTextLine(lyric->GetLine(i), kSlotBackText, i == 0);
+            BoxOf(lyric->Delta(), whole);
         }
         surface_.Refresh();
         if (onRedrawn) onRedrawn(whole);

@@ -4,20 +4,29 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <dlgs.h>
 #include <shlobj.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "Programs.h"
+#include "base/mFile.h"
 #include "cWinPluginChannel.h"
 #include "cWinShell.h"
 #include "config/cSettings.h"
 #include "core/cPlugin.h"
+#include "fMain.h"
 #include "fTray.h"
 #include "fakes/TempDir.h"
+#include "lyric/cLyric.h"
+#include "lyric/cLyricLine.h"
+#include "lyric/cLyricWord.h"
 #include "lyric/cMusic.h"
+#include "posix/FakeLyricService.h"
 
 #if defined(TOVAL_EXE) && defined(TOVAL_DEMO_PLAYER)
 
@@ -34,11 +43,6 @@ std::string Narrow(const std::u16string& text) {
     return out;
 }
 
-void Write(const std::filesystem::path& file, const std::string& bytes) {
-    std::ofstream out(file, std::ios::binary);
-    out << bytes;
-}
-
 std::string Sample() {
     std::ifstream in(std::filesystem::path(WindowsPath(TOVAL_SOURCE_DIR "/samples/harbour.tvl")),
                      std::ios::binary);
@@ -46,54 +50,55 @@ std::string Sample() {
 }
 
 // A playlist in a temp folder: A has a lyric beside it, B none anywhere, C a
-// broken one. Lengths match the sample's own, so its times stay as written.
+// broken one, D no artist. Lengths match the sample's own, so its times stay
+// as written. The player starts paused.
 class Evening : public ::testing::Test {
   protected:
     Evening() {
-        Write(dir.path() / "a.flac", "fLaC");
-        Write(dir.path() / "a.tvl", Sample());
-        Write(dir.path() / "b.flac", "fLaC");
-        Write(dir.path() / "c.flac", "fLaC");
-        Write(dir.path() / "c.tvl",
-              std::string("[PROPERTY]\r\nTRACKLENGTH:x\0\xFF[9999999999]<", 40) +
-                  std::string(5000, '<'));
-    }
-    std::wstring Playlist() const {
-        const std::wstring folder = dir.path().wstring() + L"\\";
-        std::wstring list = L"--paused";
-        for (const wchar_t* name : {L"a", L"b", L"c"}) {
-            list += L" " + Quoted(folder + name + L".flac") +
-                    L" \"Toval Samples\" Samples \"Title " +
-                    std::wstring(1, static_cast<wchar_t>(name[0] - 32)) + L"\" 18000";
-        }
-        return list;
+        for (const char* track : {"a.flac", "b.flac", "c.flac", "d.flac"})
+            dir.Write(track, "fLaC");
+        dir.Write("a.tvl", Sample());
+        dir.Write("c.tvl", std::string("[PROPERTY]\r\nTRACKLENGTH:x\0\xFF[9999999999]<", 40) +
+                               std::string(5000, '<'));
     }
     // Starts the demo player and waits for its window.
     HWND StartDemo() {
-        demo = std::make_unique<Process>(kDemo, Playlist());
-        HWND window = nullptr;
-        Eventually([&] { return (window = demo->Window(L"TovalDemoPlayer")) != nullptr; });
-        return window;
+        std::wstring list = L"--paused";
+        for (const wchar_t* name : {L"a", L"b", L"c", L"d"})
+            list += L" " + Quoted(dir.path().wstring() + L"\\" + name + L".flac") + L" \"" +
+                    (name[0] == L'd' ? L"" : L"Toval Samples") + L"\" Samples \"Title " +
+                    std::wstring(1, static_cast<wchar_t>(name[0] - 32)) + L"\" 18000";
+        demo = std::make_unique<Process>(kDemo, list);
+        Eventually([&] { return (player = demo->Window(L"TovalDemoPlayer")) != nullptr; });
+        return player;
+    }
+    // The demo player and Toval, with the lyrics service on this machine (it
+    // knows no lyric) and these lines added to config.ini; Toval shows track
+    // A's lyric.
+    void StartEvening(const std::string& settings = "") {
+        wchar_t appData[MAX_PATH] = {};
+        ASSERT_TRUE(SHGetSpecialFolderPathW(nullptr, appData, CSIDL_APPDATA, TRUE));
+        const std::filesystem::path config = std::filesystem::path(appData) / "Toval";
+        std::filesystem::create_directories(config);
+        std::ofstream(config / "config.ini", std::ios::binary)
+            << "[toval]\r\nconn_Server=" << service.Host() << "\r\n"
+            << settings;
+        ASSERT_TRUE(StartDemo());
+        toval = std::make_unique<Process>(kToval, L"");
+        ASSERT_TRUE(Eventually([&] { return (display = toval->Window(kTrayClass)) != nullptr; }));
+        ASSERT_TRUE(Eventually([&] { return SendMessageW(player, kDemoHandler, 0, 0) != 0; }));
+        ASSERT_TRUE(Eventually([&] { return SendMessageW(display, kTrayQueryLines, 0, 0) > 3; }));
+        main = toval->Window(L"TovalMain");
     }
     TempDir dir;
-    std::unique_ptr<Process> demo;
+    FakeLyricService service;
+    std::unique_ptr<Process> demo, toval;
+    HWND player = nullptr, display = nullptr, main = nullptr;
 };
 
 TEST_F(Evening, TheLyricFollowsThePlayerThroughSeeksForwardAndBack) {
-    // The lyrics service is a closed port here: "not found" comes at once.
-    wchar_t appData[MAX_PATH] = {};
-    ASSERT_TRUE(SHGetSpecialFolderPathW(nullptr, appData, CSIDL_APPDATA, TRUE));
-    const std::filesystem::path config = std::filesystem::path(appData) / "Toval" / "config.ini";
-    std::filesystem::create_directories(config.parent_path());
-    Write(config, "[toval]\r\nconn_Server=127.0.0.1:9\r\n");
-    const HWND player = StartDemo();
-    ASSERT_TRUE(player);
-    Process toval(kToval, L"");
-    HWND display = nullptr;
-    ASSERT_TRUE(Eventually([&] { return (display = toval.Window(kTrayClass)) != nullptr; }));
-    ASSERT_TRUE(Eventually([&] { return SendMessageW(player, kDemoHandler, 0, 0) != 0; }));
-    ASSERT_TRUE(Eventually([&] { return SendMessageW(display, kTrayQueryLines, 0, 0) > 3; }));
-
+    // In the right-to-left language: its windows are mirrored.
+    ASSERT_NO_FATAL_FAILURE(StartEvening("language_name=heil\r\n"));
     struct Step {
         int32_t at;
         const char16_t* line;
@@ -115,41 +120,49 @@ TEST_F(Evening, TheLyricFollowsThePlayerThroughSeeksForwardAndBack) {
         })) << Narrow(WindowText(display))
             << " word " << SendMessageW(display, kTrayQueryWord, 0, 0);
     }
+    Screenshot("display-window-mode");
+    PostMessageW(main, WM_COMMAND, kMnuSettings, 0);
+    HWND settings = nullptr;
+    EXPECT_TRUE(Eventually([&] {
+        settings = toval->Window(L"TovalSettings");
+        return settings && IsWindowVisible(settings);
+    }));
+    EXPECT_TRUE(GetWindowLongW(settings, GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
+    Screenshot("settings-right-to-left");
+    PostMessageW(settings, WM_COMMAND, IDCANCEL, 0);
+
+    // In the task bar when one is shown (a virtual desktop); else a new window.
+    const HWND bar = FindWindowW(L"Shell_TrayWnd", nullptr);
+    const LRESULT expected = bar && IsWindowVisible(bar) ? 1 : 2;
+    const HWND before = display;
+    PostMessageW(main, WM_COMMAND, kMnuTrayMode, 0);
+    EXPECT_TRUE(Eventually([&] {
+        display = expected == 1 ? FindWindowExW(bar, nullptr, kTrayClass, nullptr)
+                                : toval->Window(kTrayClass);
+        return display && display != before &&
+               SendMessageW(display, kTrayQueryMode, 0, 0) == expected;
+    }));
+    Screenshot("display-task-bar-mode");
 
     // The ping, and the player's notice 3 closes the program.
     const HWND handler = reinterpret_cast<HWND>(SendMessageW(player, kDemoHandler, 0, 0));
     EXPECT_EQ(SendMessageA(handler, WM_USER, 0, 4), 1);
     SendMessageW(player, kDemoNotice, 3, 0);
-    EXPECT_TRUE(toval.WaitForExit(10000));
+    EXPECT_TRUE(toval->WaitForExit(10000));
 }
 
-// NOTE: disabled: when this test makes the player announce another track,
-// the window ends with an empty lyric instead of the new one, while a manual
-// run (the player moving on by itself) shows it; not understood yet.
-TEST_F(Evening, DISABLED_ATrackWithoutLyricShowsNotFoundAndABrokenFileIsSurvived) {
-    wchar_t appData[MAX_PATH] = {};
-    ASSERT_TRUE(SHGetSpecialFolderPathW(nullptr, appData, CSIDL_APPDATA, TRUE));
-    const std::filesystem::path config = std::filesystem::path(appData) / "Toval" / "config.ini";
-    std::filesystem::create_directories(config.parent_path());
-    Write(config, "[toval]\r\nconn_Server=127.0.0.1:9\r\n");
-    const HWND player = StartDemo();
-    ASSERT_TRUE(player);
-    Process toval(kToval, L"");
-    HWND display = nullptr;
-    ASSERT_TRUE(Eventually([&] { return (display = toval.Window(kTrayClass)) != nullptr; }));
-    ASSERT_TRUE(Eventually([&] { return SendMessageW(display, kTrayQueryLines, 0, 0) > 3; }));
+TEST_F(Evening, ATrackWithoutLyricShowsNotFoundAndABrokenFileIsSurvived) {
+    ASSERT_NO_FATAL_FAILURE(StartEvening());
     // A track with no lyric anywhere: the not-found state.
     PostMessageW(player, kDemoTrack, 1, 0);
     EXPECT_TRUE(Eventually(
         [&] { return WindowText(display).find(u"(no lyric found)") != std::u16string::npos; },
         20000));
-    EXPECT_NE(WindowText(display).find(u"Toval Samples - Title B"), std::u16string::npos)
-        << Narrow(WindowText(display));
 
     // A broken lyric file beside the track is survived.
     PostMessageW(player, kDemoTrack, 2, 0);
     Sleep(1500);
-    EXPECT_TRUE(toval.Running());
+    EXPECT_TRUE(toval->Running());
     // And back to the first track: its lyric again.
     PostMessageW(player, kDemoTrack, 0, 0);
     Sleep(500);
@@ -158,10 +171,154 @@ TEST_F(Evening, DISABLED_ATrackWithoutLyricShowsNotFoundAndABrokenFileIsSurvived
         Eventually([&] { return WindowText(display) == u"Boats come home before the fall"; }));
 }
 
+// The editor from the menu on the playing track: typed text, timed with the
+// arrow keys while the player's clock runs, previewed, saved as tvl, read back.
+TEST_F(Evening, TheEditorTimesTypedWordsWithTheArrowKeysWhileThePlayerRuns) {
+    ASSERT_NO_FATAL_FAILURE(StartEvening());
+    PostMessageW(main, WM_COMMAND, kMnuEdit, 0);
+    HWND edit = nullptr;
+    ASSERT_TRUE(Eventually([&] { return (edit = toval->Window(kEditClass)) != nullptr; }));
+    const auto control = [&](eEditorControl c) {
+        return GetDlgItem(edit, kEditControlId + static_cast<int>(c));
+    };
+    const auto click = [&](eEditorControl c) {
+        PostMessageW(edit, WM_COMMAND, MAKEWPARAM(kEditControlId + static_cast<int>(c), BN_CLICKED),
+                     reinterpret_cast<LPARAM>(control(c)));
+    };
+    const auto inStep = [&](const std::u16string& step) {
+        return Eventually([&] { return WindowText(edit) == step + u" - Toval Samples - Title A"; });
+    };
+    const auto cursorAt = [&](LRESULT line, LRESULT word) {
+        return Eventually([&] {
+            return SendMessageW(edit, kEditQueryCursor, 0, 0) == line &&
+                   SendMessageW(edit, kEditQueryCursor, 1, 0) == word;
+        });
+    };
+    EXPECT_TRUE(inStep(u"Step 1 of 3: text"));
+    const std::u16string text = u"Lanterns on the harbour wall\rBoats come home\rSing it slow";
+    for (char16_t c : text)
+        PostMessageW(control(eEditorControl::fraText), WM_CHAR, c, 0);
+    EXPECT_TRUE(Eventually(
+        [&] { return WindowText(control(eEditorControl::fraText)).size() == text.size() + 2; }));
+    Screenshot("editor-1-text");
+
+    click(eEditorControl::cmdNext);
+    HWND info = nullptr;
+    ASSERT_TRUE(Eventually([&] { return (info = toval->Window(L"TovalEditInfo")) != nullptr; }));
+    Screenshot("editor-help");
+    PostMessageW(info, WM_COMMAND, IDOK, 0);
+    EXPECT_TRUE(inStep(u"Step 2 of 3: timing"));
+
+    // The clock runs; each arrow stamps where the player stands. Right: the
+    // line itself, then its words without the blanks; Left: the same word
+    // again; Down: the next line.
+    const HWND picture = FindWindowExW(edit, nullptr, kEditPictureClass, nullptr);
+    SendMessageW(player, kDemoPause, 0, 0);
+    const LRESULT from = SendMessageW(player, kDemoPosition, 0, 0);
+    struct Press {
+        WPARAM key;
+        LRESULT line, word;
+    };
+    for (const Press& p : {Press{VK_RIGHT, 0, kUnset}, Press{VK_RIGHT, 0, 0}, Press{VK_RIGHT, 0, 2},
+                           Press{VK_RIGHT, 0, 4}, Press{VK_RIGHT, 0, 6}, Press{VK_RIGHT, 0, 8},
+                           Press{VK_RIGHT, 1, kUnset}, Press{VK_RIGHT, 1, 0}, Press{VK_LEFT, 1, 0},
+                           Press{VK_DOWN, 2, kUnset}}) {
+        Sleep(150);
+        PostMessageW(picture, WM_KEYDOWN, p.key, 0);
+        EXPECT_TRUE(cursorAt(p.line, p.word)) << p.line << " " << p.word;
+    }
+    const LRESULT to = SendMessageW(player, kDemoPosition, 0, 0);
+    Screenshot("editor-2-timing");
+
+    // The pop-up menu on "Boats", with its time; from it the two time dialogs.
+    struct Entry {
+        std::vector<WPARAM> keys;
+        const wchar_t* dialogClass;
+        const char* shot;
+    };
+    for (const Entry& entry : {Entry{{VK_DOWN, VK_RIGHT, VK_RETURN}, L"TovalEditTime", "edit-time"},
+                               Entry{{VK_UP, VK_RETURN}, L"TovalEditAdvTime", "adv-time"}}) {
+        const LRESULT at = SendMessageW(edit, kEditQueryElement, 1, 0);
+        PostMessageW(picture, WM_RBUTTONDOWN, MK_RBUTTON, at);
+        ASSERT_TRUE(Eventually([&] { return toval->Window(L"#32768") != nullptr; }));
+        for (WPARAM key : entry.keys) {
+            Sleep(100);
+            if (key == VK_RETURN) Screenshot((std::string("editor-menu-") + entry.shot).c_str());
+            PostMessageW(picture, WM_KEYDOWN, key, 0);
+        }
+        HWND dialog = nullptr;
+        ASSERT_TRUE(
+            Eventually([&] { return (dialog = toval->Window(entry.dialogClass)) != nullptr; }));
+        Screenshot((std::string("editor-") + entry.shot).c_str());
+        PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+        EXPECT_TRUE(Eventually([&] { return !IsWindow(dialog); }));
+        EXPECT_TRUE(cursorAt(2, kUnset));
+    }
+
+    // The preview follows the player from where the timing began.
+    click(eEditorControl::cmdNext);
+    EXPECT_TRUE(inStep(u"Step 3 of 3: preview"));
+    SendMessageW(player, kDemoSeek, static_cast<WPARAM>(from), 0);
+    EXPECT_TRUE(Eventually([&] { return SendMessageW(edit, kEditQueryCursor, 0, 0) == 1; }));
+    Screenshot("editor-3-preview");
+
+    // Saved as tvl under a name typed into the file dialog.
+    click(eEditorControl::cmdSave);
+    HWND save = nullptr;
+    ASSERT_TRUE(Eventually([&] { return (save = toval->Window(L"#32770")) != nullptr; }));
+    HWND name = nullptr;
+    ASSERT_TRUE(Eventually([&] {
+        // The name box: an edit inside a combo box (inside another here).
+        const HWND combo = GetDlgItem(save, cmb13);
+        name = FindWindowExW(combo, nullptr, L"Edit", nullptr);
+        if (!name)
+            name = FindWindowExW(FindWindowExW(combo, nullptr, L"ComboBox", nullptr), nullptr,
+                                 L"Edit", nullptr);
+        // Filled with the lyric's usual name once the dialog is ready.
+        return name && IsWindowVisible(save) && WindowText(name) == u"a.tvl";
+    }));
+    Screenshot("editor-save");
+    const std::wstring path = dir.path().wstring() + L"\\timed.tvl";
+    SendMessageW(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
+    PostMessageW(save, WM_COMMAND, IDOK, 0);
+    // Every stamp is there once, in the order given, within the span played.
+    std::vector<int32_t> times;
+    EXPECT_TRUE(Eventually([&] {
+        cLyric lyric;
+        lyric.setLoad(FileRead(dir.file(u"timed.tvl")));
+        times.clear();
+        for (int32_t l = 0; l < lyric.GetLineSize(); ++l) {
+            const auto line = lyric.GetLine(l);
+            for (int32_t t = 0; t < line->GetTimeSize(); ++t)
+                times.push_back(line->GetTime(t)->Time());
+            for (int32_t w = 0; w < line->GetWordSize(); ++w)
+                for (int32_t t = 0; t < line->GetWord(w)->GetTimeSize(); ++t)
+                    times.push_back(line->GetWord(w)->GetTime(t)->Time());
+        }
+        return times.size() == 9;
+    })) << times.size();
+    EXPECT_TRUE(std::is_sorted(times.begin(), times.end()));
+    EXPECT_TRUE(!times.empty() && times.front() >= from && times.back() <= to) << from << " " << to;
+
+    PostMessageW(edit, WM_CLOSE, 0, 0);
+    EXPECT_TRUE(Eventually([&] { return !IsWindow(edit); }));
+    // A track whose tags name no artist is refused.
+    SendMessageW(player, kDemoTrack, 3, 0);
+    PostMessageW(main, WM_COMMAND, kMnuEdit, 0);
+    HWND box = nullptr;
+    wchar_t said[512] = {};
+    EXPECT_TRUE(Eventually([&] {
+        box = toval->Window(L"#32770");
+        return box && GetDlgItemTextW(box, 0xFFFF, said, 512) > 0;
+    }));
+    EXPECT_NE(std::wstring(said).find(L"do not name both an artist"), std::wstring::npos);
+    PostMessageW(box, WM_COMMAND, IDOK, 0);
+    EXPECT_EQ(toval->Window(kEditClass), nullptr);
+}
+
 TEST_F(Evening, TagRecordsOfEverySizeAndGarbageKeepTheLinkAlive) {
     // This process plays the program's side of the link, with the real adapters.
-    const HWND player = StartDemo();
-    ASSERT_TRUE(player);
+    ASSERT_TRUE(StartDemo());
     cWindow handler;
     ASSERT_TRUE(handler.Create({.title = L"handler", .style = WS_POPUP}, nullptr));
     cWinPluginChannel channel(handler.Hwnd());

@@ -6,7 +6,9 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -20,6 +22,7 @@ inline constexpr UINT kDemoSeek = WM_APP + 2;
 inline constexpr UINT kDemoTrack = WM_APP + 3;
 inline constexpr UINT kDemoNotice = WM_APP + 4;
 inline constexpr UINT kDemoHandler = WM_APP + 5;
+inline constexpr UINT kDemoPause = WM_APP + 6;
 inline constexpr UINT kDemoPosition = WM_APP + 7;
 inline constexpr UINT kDemoSendGarbage = WM_APP + 8;
 
@@ -113,6 +116,34 @@ inline std::u16string WindowText(HWND hwnd) {
         SendMessageW(hwnd, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
     text.resize(static_cast<size_t>(n > 0 ? n : 0));
     return text;
+}
+
+// With TOVAL_SHOTS naming a folder: the whole screen as <name>.bmp there.
+inline void Screenshot(const char* name) {
+    const char* folder = std::getenv("TOVAL_SHOTS");
+    if (!folder || !*folder) return;
+    Sleep(300);  // the windows just shown paint first
+    const int width = GetSystemMetrics(SM_CXSCREEN), height = GetSystemMetrics(SM_CYSCREEN);
+    const HDC screen = GetDC(nullptr);
+    const HDC memory = CreateCompatibleDC(screen);
+    const HBITMAP bitmap = CreateCompatibleBitmap(screen, width, height);
+    const HGDIOBJ old = SelectObject(memory, bitmap);
+    BitBlt(memory, 0, 0, width, height, screen, 0, 0, SRCCOPY);
+    SelectObject(memory, old);
+    BITMAPINFOHEADER info{sizeof info, width, height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
+    std::string pixels(static_cast<size_t>((width * 3 + 3) / 4 * 4 * height), '\0');
+    GetDIBits(memory, bitmap, 0, static_cast<UINT>(height), pixels.data(),
+              reinterpret_cast<BITMAPINFO*>(&info), DIB_RGB_COLORS);
+    const DWORD offset = sizeof(BITMAPFILEHEADER) + sizeof info;
+    const BITMAPFILEHEADER file{0x4D42, static_cast<DWORD>(offset + pixels.size()), 0, 0, offset};
+    std::ofstream out(std::filesystem::path(WindowsPath(folder)) / (std::string(name) + ".bmp"),
+                      std::ios::binary);
+    out.write(reinterpret_cast<const char*>(&file), sizeof file);
+    out.write(reinterpret_cast<const char*>(&info), sizeof info);
+    out << pixels;
+    DeleteObject(bitmap);
+    DeleteDC(memory);
+    ReleaseDC(nullptr, screen);
 }
 
 // Waits (pumping this thread's messages) until done() holds.
