@@ -70,9 +70,6 @@ TEST_F(InternetTest, RequestsFollowTheFourTemplatesToTheByte) {
     const std::vector<Case> cases = {
         {false, false, "", "",
          "GET /x?y=1 HTTP/1.0\r\nHost: h\r\n" + h + "Connection: Close\r\n\r\n"},
-        {false, false, "c=1", "http://r/",
-         "GET /x?y=1 HTTP/1.0\r\nHost: h\r\n" + h +
-             "Cookie: c=1\r\nReferer: http://r/\r\nConnection: Close\r\n\r\n"},
         {true, false, "c=1", "",
          "GET http://h/x?y=1 HTTP/1.0\r\nHost: h\r\n" + h +
              "Cookie: c=1\r\nProxy-Connection: Close\r\n\r\n"},
@@ -109,20 +106,13 @@ TEST_F(InternetTest, UrlsGiveHostPortAndTargetOrAreRejected) {
         {"http://h:8080/a", "h 8080 /a"},
         {"http://h:99999/", "h 80 /"},
         {"http://h:65535/", "h 65535 /"},
-        {"http://h:0/", "h 0 /"},
-        {"http://h:-1/", "h 80 /"},
         {"http://h:abc/", "h 80 /"},
-        {"http://h:/", "h 80 /"},
         {"http://h:8e3/", "h 8000 /"},
-        {"http://h:1:2/", "h 80 /"},
         {"x//h/a//b", "h 80 /a//b"},
         {"http:///p", " 80 /p"},
         {"http://h/a b", "h 80 /a b"},
         {"http://h", ""},
-        {"http://h:8080", ""},
         {"h/x", ""},
-        {"http:/h/x", ""},
-        {"", ""},
         {"http://evil\r\nX-Injected: 1/x", ""},
         {"http://h/x\r\nX-Injected: 1", ""},
         {"http://a b/x", ""},
@@ -180,7 +170,6 @@ TEST_F(InternetTest, AnswersAreJudgedByTheirFirstLineInEverySplit) {
         {"junk 200 OK junk\r\n\r\nb", "b"},
         {std::string("HTTP/1.0 200 OK\r\n\r\n\0\xff\x01", 22), std::string("\0\xff\x01", 3)},
         {"HTTP/1.0 404 Not Found\r\n\r\nmissing", "", status("HTTP/1.0 404 Not Found")},
-        {"HTTP/1.0 200 ok\r\n\r\nb", "", status("HTTP/1.0 200 ok")},
         {"HTTP/1.0 500 Error\r\n200 OK\r\n\r\nb", "", status("HTTP/1.0 500 Error")},
         // A hostile first line is quoted printable and short.
         {"HTTP/1.0 500 \x1b[31m\xff" + x41 + x41 + "\r\n\r\n", "",
@@ -293,9 +282,6 @@ TEST_F(InternetTest, SocketErrorsFailOnceInEveryPhaseAndSayWhy) {
     } cases[] = {
         {kSckHostNotFound, {Category::kResolve, "cannot resolve lyrics.invalid"}},
         {kSckConnectionRefused, {Category::kRefused, "connection refused by lyrics.invalid:8080"}},
-        {kSckTimedOut, {Category::kTimeout, "the connection to lyrics.invalid:8080 timed out"}},
-        {kSckConnectionReset,
-         {Category::kConnection, "the connection to lyrics.invalid:8080 broke"}},
         {10050,
          {Category::kConnection, "the connection to lyrics.invalid:8080 failed: down?? (10050)"}},
     };
