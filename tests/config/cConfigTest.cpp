@@ -84,16 +84,13 @@ TEST_F(cConfigTest, AMissingFileLoadsEveryDefaultWithTheWindowsCentred) {
 
 TEST_F(cConfigTest, ValuesThatDoNotConvertLeaveTheirFieldAndLoadingGoesOn) {
     PutConfig(
-        "font_Size=40000\r\ntray_MaxTraySize=-32769\r\neffect_Alpha=256\r\ntray_Border=abc\r\n"
-        "tray_Refresh=12.5\r\ntray_FastRefresh=13.5\r\ntext_alignment= 2 \r\n"
-        "timer_PictureRefresh=1e2\r\n"
-        "timer_PlayerStateRefresh=2147483648\r\nfont_Bold=true\r\nfont_UnderlineTitle=-1\r\n"
-        "font_Italic=1\r\nfont_Strikethru=\"1\"\r\nfont_Underline= 1\r\n"
-        "font_Name=\"Courier New\"\r\ncolor_NormalText=255\r\ncache_size=\r\n"
+        "font_Size=40000\r\neffect_Alpha=256\r\ntray_Border=abc\r\ntray_Refresh=12.5\r\n"
+        "tray_FastRefresh=13.5\r\ntext_alignment= 2 \r\ntimer_PictureRefresh=1e2\r\n"
+        "timer_PlayerStateRefresh=2147483648\r\nfont_Bold=true\r\nfont_Strikethru=\"1\"\r\n"
+        "font_Underline= 1\r\nfont_Name=\"Courier New\"\r\ncolor_NormalText=255\r\ncache_size=\r\n"
         "pos_WinTop=1\r\npos_WinLeft=2\r\npos_EditWinTop=3\r\npos_EditWinLeft=4\r\n");
     cSettings& s = globals.Settings;
     s.font_Size = 12;
-    s.tray_MaxTraySize = 99;
     s.effect_Alpha = 7;
     s.tray_Border = 3;
     s.timer_PlayerStateRefresh = 44;
@@ -103,9 +100,8 @@ TEST_F(cConfigTest, ValuesThatDoNotConvertLeaveTheirFieldAndLoadingGoesOn) {
     expected.tray_FastRefresh = 14;
     expected.text_alignment = 2;
     expected.timer_PictureRefresh = 100;
-    expected.font_Bold = false;  // "true" and -1 are not 1
-    expected.font_UnderlineTitle = false;
-    expected.font_Italic = expected.font_Strikethru = expected.font_Underline = true;
+    expected.font_Bold = false;  // "true" is not 1
+    expected.font_Strikethru = expected.font_Underline = true;
     expected.font_Name = u"Courier New";
     expected.color_NormalText = 255;
     expected.pos_WinTop = 1;

@@ -278,7 +278,6 @@ TEST(ServiceAnswers, MoveAnnounceAndUpdateCheck) {
     EXPECT_EQ(quiet.Get(GetQuery("A", "T", 1, 0)).page,
               "<html><body><TOVAL>:NOTFOUND</TOVAL></body></html>");
     EXPECT_EQ(Body(quiet.Update("vrs=1").page), ":NOUPDATES");
-    EXPECT_EQ(Body(quiet.Get("art=%&tit=%zz&get=Get").page), ":BADREQUEST");
 }
 
 }  // namespace
