@@ -14,7 +14,7 @@ namespace {
 
 using namespace toval::service;
 
-TEST(Form, ReadsWhatTheProgramSendsAndRefusesBrokenEscapes) {
+TEST(Form, ReadsWhatTheProgramSendsAndRefusesBrokenEscapesAndNumbers) {
     const struct {
         const char* text;
         bool ok;
@@ -42,21 +42,20 @@ TEST(Form, ReadsWhatTheProgramSendsAndRefusesBrokenEscapes) {
     for (int i = 0; i < 65; ++i)
         text += "k=v&";
     EXPECT_FALSE(ParseForm(text, many));
-}
 
-TEST(Form, NumbersAreDecimalAndWithin32Bits) {
+    // Numbers are decimal and within 32 bits.
     cForm form;
     ASSERT_TRUE(ParseForm("a=2147483647&b=-2147483648&c=2147483648&d=1e3&e=&f=-&g=+1&h=007", form));
     const struct {
         const char* key;
         bool ok;
         int32_t value;
-    } cases[] = {{"a", true, 2147483647}, {"b", true, -2147483647 - 1},
-                 {"c", false, 0},         {"d", false, 0},
-                 {"e", false, 0},         {"f", false, 0},
-                 {"g", false, 0},         {"h", true, 7},
-                 {"x", false, 0}};
-    for (const auto& c : cases) {
+    } numbers[] = {{"a", true, 2147483647}, {"b", true, -2147483647 - 1},
+                   {"c", false, 0},         {"d", false, 0},
+                   {"e", false, 0},         {"f", false, 0},
+                   {"g", false, 0},         {"h", true, 7},
+                   {"x", false, 0}};
+    for (const auto& c : numbers) {
         int32_t value = 0;
         EXPECT_EQ(FormNumber(form, c.key, value), c.ok) << c.key;
         if (c.ok) {
