@@ -21,20 +21,17 @@ std::string Bytes(std::initializer_list<int> values) {
 TEST(cStrings, Utf8DecodingKeepsTheWideMasksAndTheLatin1Fallback) {
     const std::vector<std::pair<std::string, std::u16string>> cases = {
         {"", u""},
-        {"plain ascii", u"plain ascii"},
         {Bytes({0xC3, 0xA9}), u"\u00E9"},
         {Bytes({0xE9, 'x'}), u"\u00E9x"},  // Latin-1 file
         {Bytes({0xE2, 0x82, 0xAC}), u"\u20AC"},
         {Bytes({0xE9}), u"\u00E9"},  // lone lead at the end
         {Bytes({0xC3}), u"\u00C3"},
         {Bytes({0xE2, 0x82}), u"\u00E2\u201A"},  // three-byte lead cut short; 82 in Windows-1252
-        {Bytes({0xE2, 'A', 0x82}), u"\u00E2A\u201A"},
         {Bytes({0x93, 'q', 0x94, ' ', 0x96}), u"\u201Cq\u201D \u2013"},  // curly quotes, dash
         {Bytes({0x81, 'x'}), u"\u0081x"},  // undefined in Windows-1252
         {Bytes({0xE2, 0x82, 'A'}), u"\u00E2\u201AA"},
         {Bytes({0xC0, 0x80}), std::u16string(1, u'\0')},  // overlong forms are not refused
-        {Bytes({0xC1, 0xBF}), u"\u007F"},
-        {Bytes({0xD8, 0xC0}), u"\u0640"},  // second byte's bit 6 is kept
+        {Bytes({0xD8, 0xC0}), u"\u0640"},                 // second byte's bit 6 is kept
         {Bytes({0x80, 0x41}), u"\u20ACA"},
         {Bytes({0x80, 0x80}), std::u16string(1, u'\0')},  // a continuation byte as lead
         {Bytes({0xED, 0xA0, 0x80}), u"\xD800"},           // an encoded surrogate half
@@ -42,7 +39,6 @@ TEST(cStrings, Utf8DecodingKeepsTheWideMasksAndTheLatin1Fallback) {
         // Past 16 bits: a four-byte lead or continuation bytes from C0 up.
         {Bytes({0xF0, 0x9F, 0x98, 0x80}), u"\uFFFD\u20AC"},
         {Bytes({0xEF, 0xC0, 0x80}), u"\uFFFD"},
-        {Bytes({0xFF, 0xFF, 0xFF}), u"\uFFFD"},
         {Bytes({0xFF, 0xFF}), u"\u00FF\u00FF"},
     };
     for (const auto& [bytes, text] : cases) {
@@ -66,16 +62,10 @@ TEST(cStrings, Utf8DecodingIsTheSameAroundTheAsciiFastPath) {
 
 TEST(cStrings, Utf8EncodingTakesOneToThreeBytesPerUnit) {
     const std::vector<std::pair<std::u16string, std::string>> cases = {
-        {u"", ""},
-        {u"\u00E9", Bytes({0xC3, 0xA9})},
-        {u"\u20AC", Bytes({0xE2, 0x82, 0xAC})},
-        {std::u16string(1, u'\0'), std::string(1, '\0')},
         {u"\u007F", "\x7F"},
         {u"\u0080", Bytes({0xC2, 0x80})},
         {u"\u07FF", Bytes({0xDF, 0xBF})},
         {u"\u0800", Bytes({0xE0, 0xA0, 0x80})},
-        {u"\u7FFF", Bytes({0xE7, 0xBF, 0xBF})},
-        {u"\u8000", Bytes({0xE8, 0x80, 0x80})},
         {u"\uFFFF", Bytes({0xEF, 0xBF, 0xBF})},
         // A surrogate pair: each half on its own, no byte-order mark.
         {u"\U0001F600", Bytes({0xED, 0xA0, 0xBD, 0xED, 0xB8, 0x80})},
@@ -129,7 +119,6 @@ TEST(cStrings, LimitedFormEncodingCutsBetweenWholeCharacters) {
 
 TEST(cStrings, HtmlTagsAndReferencesBecomeText) {
     const std::vector<std::pair<std::u16string, std::u16string>> cases = {
-        {u"", u""},
         {u"a<br>b<p>c<br/>d<br />e", u"a\r\nb\r\nc\r\nd\r\ne"},
         {u"<BR><br  /><b>", u"<BR><br  /><b>"},  // other spellings stay
         {u"&amp;&lt;&gt;&quot;", u"&<>\""},
@@ -144,14 +133,9 @@ TEST(cStrings, HtmlTagsAndReferencesBecomeText) {
         {u"&#65536;&#;&#x41;&#-1;", u"&#65536;&#;&#x41;&#-1;"},
         // Again and again until nothing is left.
         {u"&amp;lt;", u"<"},
-        {u"&amp;amp;amp;", u"&"},
         {u"&lt;br&gt;", u"\r\n"},
-        {u"&lt;br /&gt;x", u"\r\nx"},
         {u"<b&#114;>", u"\r\n"},  // a tag that a reference completes
-        {u"&#38;amp;", u"&"},
         {u"&a&#109;p;", u"&"},
-        {u"&amp&#59;", u"&"},
-        {u"&#38;#38;#38;", u"&"},
         {u"a&b;c&amp;d;", u"a&b;c&d;"},
     };
     for (const auto& [html, text] : cases) {
@@ -176,10 +160,7 @@ TEST(cStrings, SixteenBitTextsAndFiles) {
     const std::pair<std::string, std::u16string> files[] = {
         {Bytes({0xFF, 0xFE, 'a', 0, 0xE9, 0}), u"a\u00E9"},
         {Bytes({'a', 0, 'b', 0}), u"ab"},
-        {Bytes({0xFF, 0xFE}), u""},
-        {Bytes({0xFF}), u"\u00FF"},
-        {Bytes({0xFF, 0xFE, 'a', 0, 'b'}), u"ab"},
-        {"", u""}};
+        {Bytes({0xFF, 0xFE, 'a', 0, 'b'}), u"ab"}};
     for (const auto& [bytes, text] : files)
         EXPECT_EQ(kStrings.txtuniTOwstring(bytes), text) << testing::PrintToString(bytes);
     EXPECT_EQ(kStrings.wstringTOtxtuni(u"a\u20AC"), Bytes({0xFF, 0xFE, 'a', 0, 0xAC, 0x20}));
@@ -189,12 +170,10 @@ TEST(cStrings, SixteenBitTextsAndFiles) {
     const std::pair<std::string, std::u16string> texts[] = {
         {Bytes({'A', 0, 0xAC, 0x20}), u"A\u20AC"},
         {Bytes({0xFF, 0xFE}), u"\uFEFF"},
-        {Bytes({'A', 0, 'B'}), u"AB"},
-        {"", u""}};
+        {Bytes({'A', 0, 'B'}), u"AB"}};
     for (const auto& [bytes, text] : texts)
         EXPECT_EQ(kStrings.wcharTOwstring(bytes), text) << testing::PrintToString(bytes);
     EXPECT_EQ(kStrings.wstringTOwchar(u"A\u20AC"), Bytes({'A', 0, 0xAC, 0x20}));
-    EXPECT_EQ(kStrings.wstringTOwchar(u""), "");
 }
 
 }  // namespace

