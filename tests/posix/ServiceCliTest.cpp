@@ -20,48 +20,11 @@
 #include "cCliMain.h"
 #include "fakes/TempDir.h"
 #include "mAudioTags.h"
-#include "posix/LoopbackServer.h"
+#include "posix/FakeLyricService.h"
 #include "posix/Sox.h"
 
 namespace toval::test {
 namespace {
-
-// A lyric service on 127.0.0.1 that sends one scripted answer to every
-// request: a body for the envelope, a whole HTTP answer, or kEndless (the
-// head, then silence).
-class FakeService {
-  public:
-    static constexpr char kEndless[] = "endless";
-    std::string Host() const { return "127.0.0.1:" + std::to_string(server_.Port()); }
-    void setAnswer(std::string answer) {
-        std::lock_guard lock(mutex_);
-        answer_ = std::move(answer);
-    }
-    std::vector<std::string> Requests() const { return server_.Requests(); }
-    bool LastAsked(const std::string& fragment) const {
-        const auto requests = Requests();
-        return !requests.empty() && requests.back().find(fragment) != std::string::npos;
-    }
-
-  private:
-    void Serve(LoopbackServer::Connection& c) {
-        c.ReadRequest();
-        std::unique_lock lock(mutex_);
-        const std::string answer = answer_;
-        lock.unlock();
-        if (answer == kEndless) {
-            c.Send("HTTP/1.0 200 OK\r\n\r\n<html>");
-            c.WaitForClose(20000);
-        } else {
-            c.Send(answer.starts_with("HTTP/")
-                       ? answer
-                       : "HTTP/1.0 200 OK\r\n\r\n<html><TOVAL>" + answer + "</TOVAL>");
-        }
-    }
-    mutable std::mutex mutex_;
-    std::string answer_ = ":NOTFOUND";
-    LoopbackServer server_{[this](LoopbackServer::Connection& c) { Serve(c); }};
-};
 
 struct Outcome {
     int code;
@@ -162,7 +125,7 @@ TEST(ServiceCli, PrintAndConvertReadAndWriteRealFiles) {
 
 TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
     TempDir dir, cache;
-    FakeService service;
+    FakeLyricService service;
     const std::string track = (dir.path() / "tide.flac").string();
     const std::string server = service.Host();
     const auto lookup = [&](std::vector<std::string> tail) {
@@ -203,7 +166,7 @@ TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
         {"HTTP/1.0 200 OK\r\n\r\n<TOVAL>:SUCCESS", server,
          "the service's answer holds no <TOVAL> envelope"},
         {":UPDATESERVER:elsewhere.test", server, "moved to elsewhere.test"},
-        {FakeService::kEndless, server, "the answer stopped for 0.3 s"},
+        {FakeLyricService::kEndless, server, "the answer stopped for 0.3 s"},
         {":NOTFOUND", closed, "connection refused by " + closed},
         {":NOTFOUND", "lyrics.invalid", "cannot resolve lyrics.invalid"},
     };
@@ -211,7 +174,7 @@ TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
         service.setAnswer(c.answer);
         o = Tool({"lookup", (dir.path() / "none.mp3").string(), "--title", "Nothing", "--cache",
                   cache.path().string(), "--server", c.server, "--timeout",
-                  c.answer == FakeService::kEndless ? "300" : "1000"});
+                  c.answer == FakeLyricService::kEndless ? "300" : "1000"});
         EXPECT_EQ(o.code,
                   c.server == server && c.answer == ":NOTFOUND" ? kExitNotFound : kExitService);
         EXPECT_NE(o.err.find(c.says), std::string::npos) << o.err;
@@ -221,7 +184,7 @@ TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
 }
 
 TEST(ServiceCli, SendReportsWhatTheServiceSaid) {
-    FakeService service;
+    FakeLyricService service;
     service.setAnswer(":SUCCESS");
     const std::vector<std::string> send = {"send",     kSample, "--server", service.Host(),
                                            "--artist", "Toval", "--title",  "Harbour"};
@@ -340,7 +303,7 @@ TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
 
 TEST(TagReader, LookupTakesTheTrackTagsAndTheOptionsWin) {
     TempDir dir, cache;
-    FakeService service;
+    FakeLyricService service;
     service.setAnswer("[500]from the service");
     // The sample track alone, without its lyric beside it.
     const std::string track = (dir.path() / "harbour.flac").string();
