@@ -77,34 +77,16 @@ TEST_F(LyricFileTest, FilesBesideTheTrackComeFirstTvlBeforeLrc) {
     lookup.Load(3);
     globals.Settings.cache_simple = false;
     lookup.Load(4);
-    // A tvl that cannot be read counts as missing.
-    std::filesystem::create_directory(beside("song.tvl"));
-    lookup.Load(5);
-    std::filesystem::remove(beside("song.tvl"));
-    dir.Write(beside("song.tvl"),
-              std::string("ID3\x03\0\0\0", 7));  // and so does one that is no text
+    // A tvl that is no text counts as missing.
+    dir.Write(beside("song.tvl"), std::string("ID3\x03\0\0\0", 7));
     lookup.Load(5);
     dir.Write(beside("song.tvl"), "[1000]from tvl \xC3\xA9\r\n");
     lookup.Load(6);
     EXPECT_EQ(loaded, (std::vector<Loaded>{{3, 0, u"[00:01.50]from lrc\r\n"},
                                            {4, 1, u"[00:01.50]from lrc\r\n"},
                                            {5, 1, u"[00:01.50]from lrc\r\n"},
-                                           {5, 1, u"[00:01.50]from lrc\r\n"},
                                            {6, 1, u"[1000]from tvl \u00e9\r\n"}}));
     EXPECT_TRUE(socket->connects.empty()) << "a local lyric asks no service";
-}
-
-TEST_F(LyricFileTest, CacheHitIsCopiedBesideTheTrackUnlessTheCacheIsSimple) {
-    ASSERT_TRUE(lookup.Cache().SetLyric(track, u"[2000]cached"));
-    lookup.Load(3);
-    EXPECT_EQ(loaded.back(), (Loaded{3, 1, u"[2000]cached"}));
-    EXPECT_FALSE(std::filesystem::exists(beside("song.tvl")));
-
-    globals.Settings.cache_simple = false;
-    lookup.Load(3);
-    EXPECT_EQ(loaded.back(), (Loaded{3, 1, u"[2000]cached"}));
-    EXPECT_EQ(dir.Read(beside("song.tvl")), "[2000]cached");
-    EXPECT_TRUE(socket->connects.empty());
 }
 
 TEST_F(LyricFileTest, ServiceIsAskedWithAWaitingTextThatCannotParseAsTags) {
@@ -180,31 +162,6 @@ TEST_F(LyricFileTest, NotFoundEndsAPlainLookupAndLeavesALyricAtHandAlone) {
     lookup.LoadFrom(2, 3, kUnset);
     socket->fail();
     EXPECT_EQ(std::tuple(loaded.size(), lookup.Lyric()), std::tuple(0u, u"[1]mine"));
-}
-
-TEST_F(LyricFileTest, AnswersForATrackNoLongerPlayingAreDropped) {
-    lookup.Load(3);
-    globals.PlaylistPosition = 4;  // the player moved on meanwhile
-    serve("[1000]late");
-    EXPECT_EQ(loaded.size(), 1u);
-    EXPECT_EQ(lookup.Cache().GetLyric(track), u"") << "a dropped answer is not stored";
-    lookup.Load(3);
-    globals.PlaylistPosition = kUnset;
-    serve(":NOTFOUND");
-    EXPECT_EQ(loaded.size(), 2u);
-}
-
-TEST_F(LyricFileTest, LoadFromAsksTheServiceOnlyForSourceTwo) {
-    lookup.LoadFrom(1, 3, 1234);
-    lookup.LoadFrom(0, 3, 1234);
-    EXPECT_TRUE(socket->connects.empty());
-    lookup.LoadFrom(2, 3, 1234);
-    socket->accept();
-    EXPECT_NE(socket->sent.find("&mut=1234&vrs=1030001&get=Get"), std::string::npos);
-    EXPECT_EQ(lookup.Site().Mode(), 1);
-    socket->answer("HTTP/1.0 200 OK\r\n\r\n<TOVAL>[5]newer</TOVAL>");
-    socket->hangUp();
-    EXPECT_EQ(loaded, (std::vector<Loaded>{{3, 2, u"[5]newer"}}));
 }
 
 TEST_F(LyricFileTest, TrackWithoutFileLooksNowhereBesideIt) {

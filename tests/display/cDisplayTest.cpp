@@ -116,15 +116,6 @@ TEST(cDisplay, UnderlineFollowsTitleAndFontSettings) {
     EXPECT_EQ(d.Choose(0, kUnset), (Strings{"Title/102/u"}));
     EXPECT_EQ(d.Choose(1, 0),
               (Strings{"Title/101/u", "one /102", "two /102", "three/102", "one /103"}));
-
-    Display title(u"[1000]<1000>Big <1500>title\r\n[2000]x");
-    title.globals.Settings.font_UnderlineTitle = true;
-    EXPECT_EQ(title.Choose(0, 1), (Strings{"Big /102/u", "title/102/u", "title/103/u"}));
-    EXPECT_EQ(title.Choose(0, 0), (Strings{"title/102/u", "Big /103/u"}));
-
-    Display all;
-    all.globals.Settings.font_Underline = true;
-    EXPECT_EQ(all.Choose(3, kUnset), (Strings{"Tom & Jerry/102/u"}));
 }
 
 TEST(cDisplay, MissingPiecesAreSkippedButTheStateMoves) {
@@ -139,13 +130,6 @@ TEST(cDisplay, MissingPiecesAreSkippedButTheStateMoves) {
     d.display.Clear();
     EXPECT_EQ(d.Choose(1, 1), Strings{});
     EXPECT_EQ(d.Current(), std::pair(1, 1));
-
-    // A lyric that was never laid out has no boxes to paint into.
-    Display flat;
-    auto lyric = std::make_shared<cLyric>();
-    lyric->setLoad(u"[1000]<1000>a <2000>b");
-    flat.display.setLyric(lyric);
-    EXPECT_EQ(flat.Choose(0, 1), Strings{});
 }
 
 }  // namespace
