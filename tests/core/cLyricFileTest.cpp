@@ -126,11 +126,6 @@ TEST_F(LyricFileTest, ServiceLyricGoesBesideTheTrackOrToTheCacheWhenThatFails) {
     serve("[1000]kept in cache");
     EXPECT_EQ(loaded.back(), (Loaded{3, 2, u"[1000]kept in cache"}));
     EXPECT_EQ(lookup.Cache().GetLyric(gone), u"[1000]kept in cache");
-
-    // An explicit save without fallback stores nothing when the file fails.
-    gone->setTitle(u"Other");
-    lookup.SaveOnCache(gone, u"x", false);
-    EXPECT_EQ(lookup.Cache().GetLyric(gone), u"");
 }
 
 TEST_F(LyricFileTest, NotFoundEndsAPlainLookupAndLeavesALyricAtHandAlone) {
@@ -176,11 +171,6 @@ TEST_F(LyricFileTest, TrackWithoutFileLooksNowhereBesideIt) {
     serve("[1]on air");
     EXPECT_EQ(lookup.Cache().GetLyric(stream), u"[1]on air");
     EXPECT_FALSE(std::filesystem::exists(".tvl"));
-
-    lookup.setMusic(nullptr);
-    loaded.clear();
-    lookup.Load(3);
-    EXPECT_TRUE(loaded.empty());
 }
 
 }  // namespace

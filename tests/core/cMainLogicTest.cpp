@@ -110,15 +110,12 @@ TEST(cMainLogic, ANumericCommandLineIsThePluginWindow) {
     EXPECT_EQ(std::pair(p.channel.findCalls, p.channel.installs), std::pair(0, 1));
     ASSERT_TRUE(p.main->Plugin());
     EXPECT_EQ(p.main->Plugin()->PluginHwnd(), 305419896);
-    EXPECT_EQ(p.globals.ProgramFolder, p.dir.folder());
     // The order in which the running objects come up; the plug-in reaches the core last.
     EXPECT_EQ(p.log, (std::vector<std::string>{"stop auxiliary", "language", "display",
                                                "loader for the plug-in's track", "menus"}));
     EXPECT_EQ(p.main->Plugin()->Core(), p.main->Core());
     EXPECT_EQ(p.main->Display()->Window(), 2);  // no config.ini: the default mode
     EXPECT_EQ(std::pair(p.poll.enabled, p.poll.interval), std::pair(true, 20));
-    EXPECT_EQ(p.main->Core()->Tray(), p.main->Display());
-    EXPECT_EQ(p.main->Core()->AuxPictureBox(), &p.measure);
 
     // The first tick registers with the plug-in through the hooked handler.
     p.poll.tick();

@@ -102,15 +102,6 @@ TEST_F(TimingTest, MenuDeletesAndEditsTheClickedElementsTimes) {
     };
     editor.pb_Main_MouseDown(kButtonRight, 0, 5, 3);
     EXPECT_EQ(Times(Word(0, 0)), Ints{210});
-    // Escape changes nothing and leaves no undo step.
-    const size_t steps = editor.History().UndoSize();
-    view.onEditTime = [](cEditTime& dialog) {
-        dialog.setTxtEdit(u"");
-        return std::vector<int32_t>{kKeyEscape};
-    };
-    editor.pb_Main_MouseDown(kButtonRight, 0, 5, 3);
-    EXPECT_EQ(Times(Word(0, 0)), Ints{210});
-    EXPECT_EQ(editor.History().UndoSize(), steps);
     // "Delete times" of the element drops the pending last stamp too.
     view.onMenu = [](const cEditorMenu&) { return cMenuChoice{cMenuChoice::DelTimes, 0}; };
     editor.pb_Main_MouseDown(kButtonRight, 0, 100, 3);  // line 0 itself
