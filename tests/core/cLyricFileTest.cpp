@@ -133,13 +133,6 @@ TEST_F(LyricFileTest, NotFoundEndsAPlainLookupAndLeavesALyricAtHandAlone) {
     serve(":NOTFOUND");
     EXPECT_EQ(loaded.back(), (Loaded{3, 3, u"Ann - Song (Live) (edit)\r\n\r\n(No lyric found)"}));
 
-    // A service that moved has nothing here either; the next request goes to the new host.
-    track->setTitle(u"Other");
-    lookup.Load(3);
-    serve(":UPDATESERVER:moved.test");
-    EXPECT_EQ(loaded.back(), (Loaded{3, 3, u"Ann - Other\r\n\r\n(No lyric found)"}));
-    EXPECT_EQ(globals.Settings.conn_Server, u"moved.test");
-
     // Asked for something newer than the lyric at hand: no answer but a lyric
     // raises anything, and the lyric stays as it was.
     dir.Write(beside("song.tvl"), "[1]mine");

@@ -54,18 +54,6 @@ struct Display {
     }
 };
 
-TEST(cDisplay, FullRedrawPaintsEveryLineInBackTextAndResetsTheHighlight) {
-    Display d;
-    d.display.ChooseText(1, 0);
-    d.surface.clear();
-    d.display.Redraw();
-    EXPECT_EQ(std::pair(d.surface.calls.front().kind, d.surface.calls.front().color),
-              std::pair(FakeDrawSurface::Kind::Blank, cColor{100}));
-    EXPECT_EQ(d.surface.Painted(), (Strings{"Title/101", "one /101", "two /101", "three/101",
-                                            "four /101", "five/101", "Tom & Jerry/101"}));
-    EXPECT_EQ(d.Current(), std::pair(kUnset, kUnset));
-}
-
 TEST(cDisplay, ChooseTextRepaintsOnlyWhatChanged) {
     Display d;
     // First line: the line in slot 2; no word.
@@ -108,14 +96,6 @@ TEST(cDisplay, EveryRepaintErasesItsBoxAndDrawsUnprefixedCentredText) {
     d.Choose(1, 1);
     const auto& word = d.surface.calls[d.surface.calls.size() - 2];
     EXPECT_EQ(std::tuple(word.text, word.rect), std::tuple(u"two ", cRect{40, 16, 80, 32}));
-}
-
-TEST(cDisplay, UnderlineFollowsTitleAndFontSettings) {
-    Display d;
-    d.globals.Settings.font_UnderlineTitle = true;
-    EXPECT_EQ(d.Choose(0, kUnset), (Strings{"Title/102/u"}));
-    EXPECT_EQ(d.Choose(1, 0),
-              (Strings{"Title/101/u", "one /102", "two /102", "three/102", "one /103"}));
 }
 
 TEST(cDisplay, MissingPiecesAreSkippedButTheStateMoves) {
