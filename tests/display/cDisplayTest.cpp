@@ -54,18 +54,6 @@ struct Display {
     }
 };
 
-TEST(cDisplay, FullRedrawPaintsEveryLineInBackTextAndResetsTheHighlight) {
-    Display d;
-    d.display.ChooseText(1, 0);
-    d.surface.clear();
-    d.display.Redraw();
-    EXPECT_EQ(std::pair(d.surface.calls.front().kind, d.surface.calls.front().color),
-              std::pair(FakeDrawSurface::Kind::Blank, cColor{100}));
-    EXPECT_EQ(d.surface.Painted(), (Strings{"Title/101", "one /101", "two /101", "three/101",
-                                            "four /101", "five/101", "Tom & Jerry/101"}));
-    EXPECT_EQ(d.Current(), std::pair(kUnset, kUnset));
-}
-
 TEST(cDisplay, ChooseTextRepaintsOnlyWhatChanged) {
     Display d;
     // First line: the line in slot 2; no word.
@@ -110,23 +98,6 @@ TEST(cDisplay, EveryRepaintErasesItsBoxAndDrawsUnprefixedCentredText) {
     EXPECT_EQ(std::tuple(word.text, word.rect), std::tuple(u"two ", cRect{40, 16, 80, 32}));
 }
 
-TEST(cDisplay, UnderlineFollowsTitleAndFontSettings) {
-    Display d;
-    d.globals.Settings.font_UnderlineTitle = true;
-    EXPECT_EQ(d.Choose(0, kUnset), (Strings{"Title/102/u"}));
-    EXPECT_EQ(d.Choose(1, 0),
-              (Strings{"Title/101/u", "one /102", "two /102", "three/102", "one /103"}));
-
-    Display title(u"[1000]<1000>Big <1500>title\r\n[2000]x");
-    title.globals.Settings.font_UnderlineTitle = true;
-    EXPECT_EQ(title.Choose(0, 1), (Strings{"Big /102/u", "title/102/u", "title/103/u"}));
-    EXPECT_EQ(title.Choose(0, 0), (Strings{"title/102/u", "Big /103/u"}));
-
-    Display all;
-    all.globals.Settings.font_Underline = true;
-    EXPECT_EQ(all.Choose(3, kUnset), (Strings{"Tom & Jerry/102/u"}));
-}
-
 TEST(cDisplay, MissingPiecesAreSkippedButTheStateMoves) {
     Display d;
     EXPECT_EQ(d.Choose(42, 7), Strings{});
@@ -134,18 +105,6 @@ TEST(cDisplay, MissingPiecesAreSkippedButTheStateMoves) {
     // Line 3 has no words: word 0 of it is nothing.
     EXPECT_EQ(d.Choose(3, 0), (Strings{"Tom & Jerry/102"}));
     EXPECT_EQ(d.Current(), std::pair(3, 0));
-
-    // Without a lyric at all.
-    d.display.Clear();
-    EXPECT_EQ(d.Choose(1, 1), Strings{});
-    EXPECT_EQ(d.Current(), std::pair(1, 1));
-
-    // A lyric that was never laid out has no boxes to paint into.
-    Display flat;
-    auto lyric = std::make_shared<cLyric>();
-    lyric->setLoad(u"[1000]<1000>a <2000>b");
-    flat.display.setLyric(lyric);
-    EXPECT_EQ(flat.Choose(0, 1), Strings{});
 }
 
 }  // namespace

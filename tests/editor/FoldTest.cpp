@@ -24,8 +24,6 @@ class FoldTest : public EditorTest {
 TEST_F(FoldTest, BlocksAreRunsOfNonEmptyLines) {
     Load(u"[]a\r\n");
     EXPECT_EQ(Blocks(), Triples{});  // one line: no blocks at all
-    Load(u"[]a\r\n[]b\r\n[]c\r\n");
-    EXPECT_EQ(Blocks(), (Triples{{0, 2, 3}}));
     Load(u"[]a\r\n[]b\r\n[]\r\n[]c\r\n");
     EXPECT_EQ(Blocks(), (Triples{{0, 1, 2}, {3, 3, 1}}));
     // An empty first line and two empty lines in a row close zero-line blocks.
@@ -34,15 +32,6 @@ TEST_F(FoldTest, BlocksAreRunsOfNonEmptyLines) {
     // A trailing empty line closes the last block and opens none.
     Load(u"[]a\r\n[]\r\n");
     EXPECT_EQ(Blocks(), (Triples{{0, 0, 1}}));
-}
-
-TEST_F(FoldTest, SimilarityComparesLineTextsAndWordCountsNotTimes) {
-    Load(u"[]<>la <>la\r\n[]\r\n[1]<5>la <9>la\r\n[]\r\n[]<>La <>la\r\n[]\r\n[]<>la la\r\n");
-    const auto blocks = editor.getBlocks();
-    ASSERT_EQ(blocks.Size(), 4);
-    EXPECT_TRUE(editor.blSimilarBlocks(*blocks.Element(0), *blocks.Element(1)));
-    EXPECT_FALSE(editor.blSimilarBlocks(*blocks.Element(0), *blocks.Element(2)));  // case
-    EXPECT_FALSE(editor.blSimilarBlocks(*blocks.Element(0), *blocks.Element(3)));  // words
 }
 
 TEST_F(FoldTest, RepeatedChorusFoldsIntoItsFirstCopy) {
@@ -63,18 +52,6 @@ TEST_F(FoldTest, RepeatedChorusFoldsIntoItsFirstCopy) {
     // Laid out again on the editor's surface.
     EXPECT_EQ(editor.Lyric()->AuxPictureBox(), &measure);
     EXPECT_EQ(Line(5)->Delta()->Initial()->Y(), 5 * 16);
-}
-
-TEST_F(FoldTest, TwoVersesFoldIntoOneWithTwoTimesEach) {
-    Load(u"[1]<2>la <3>di\r\n[4]<5>da\r\n[]\r\n[11]<12>la <13>di\r\n[14]<15>da\r\n");
-    editor.implodeToval();
-    // The empty line before the deleted copy stays when nothing follows it:
-    // only runs of empty lines collapse.
-    EXPECT_EQ(Records(), u"[1][11]<2><12>la <3><13>di\r\n[4][14]<5><15>da\r\n[]\r\n");
-    // With a block after the copy, its separating empty line goes.
-    Load(u"[]a\r\n[]\r\n[]a\r\n[]\r\n[]b\r\n");
-    editor.implodeToval();
-    EXPECT_EQ(Records(), u"[]a\r\n[]\r\n[]b\r\n");
 }
 
 TEST_F(FoldTest, CaseDifferencesSingleBlocksStayAndRunsOfEmptyLinesCollapse) {

@@ -54,14 +54,7 @@ TEST_F(SendTest, TheServicesAnswerReachesTheUserAndHoldsTheWindowOpenMeanwhile) 
         // A stale answer is ignored.
         site->onToval(1, -12345);
         EXPECT_TRUE(editor.Sending());
-        // Closing is refused while the message box is up, too.
-        view.onMessage = [&] {
-            bool again = false;
-            editor.Form_Unload(again);
-            EXPECT_TRUE(again);
-        };
         answer();
-        view.onMessage = nullptr;
         ASSERT_FALSE(view.boxes.empty());
         EXPECT_EQ(view.boxes.back(), (FakeEditorView::Box{text, title, flags}));
         EXPECT_FALSE(editor.Sending());

@@ -70,23 +70,6 @@ TEST_F(StepsTest, EachStepSetsItsControlsAndCaption) {
     EXPECT_EQ(view.caption, u"{TovalEditText} - Artist - Song");
 }
 
-TEST_F(StepsTest, TaggedTextIsTakenAsLineRecords) {
-    StartTiming(u"[1000]<1000>tagged <2000>words\r\n");
-    EXPECT_EQ(Times(Word(0, 1)), Ints{2000});
-    editor.cmdBack_Click();
-    editor.txtEdit_Change(u"plain words");
-    editor.cmdNext_Click();
-    EXPECT_EQ(std::pair(Line(0)->GetWordSize(), editor.HasTimes()), std::pair(3, false));
-}
-
-TEST_F(StepsTest, AutoImplodeFoldsOnlyWhenChecked) {
-    StartTiming(u"la la\r\n\r\nla la");
-    Press(kKeyRight, 100);
-    editor.chkAutoImplode_Click(false);
-    editor.cmdNext_Click();
-    EXPECT_EQ(editor.Lyric()->GetLineSize(), 3);
-}
-
 TEST_F(StepsTest, LoadReadsAFileIntoTextBoxAndLyric) {
     TempDir dir;
     const std::u16string track = dir.file(u"song.mp3");
@@ -109,23 +92,11 @@ TEST_F(StepsTest, LoadReadsAFileIntoTextBoxAndLyric) {
     // The loaded lyric keeps its times into the timing step.
     editor.cmdNext_Click();
     EXPECT_EQ(std::pair(Times(Word(0, 1)), editor.Lyric()->Mutation()), std::pair(Ints{1500}, 77));
-    // Its direction follows the box, which the user may change.
-    editor.cmdBack_Click();
-    editor.chkRighttoleft_Click(false);
-    editor.cmdNext_Click();
-    EXPECT_EQ(std::pair(Times(Word(0, 1)), editor.Lyric()->RightToLeft()),
-              std::pair(Ints{1500}, false));
-    EXPECT_NE(editor.Lyric()->Mutation(), 77);
     // Once the text is edited, it is converted again.
     editor.cmdBack_Click();
     editor.txtEdit_Change(view.editText + u"third line");
     editor.cmdNext_Click();
     EXPECT_EQ(std::pair(editor.HasTimes(), editor.Lyric()->GetLineSize()), std::pair(false, 3));
-    // A missing file changes nothing.
-    editor.cmdBack_Click();
-    view.openFile = dir.file(u"missing.tvl");
-    editor.cmdLoad_Click();
-    EXPECT_EQ(editor.EditText(), view.editText + u"third line");
 }
 
 TEST_F(StepsTest, SaveWritesTvlLrcOrTextAndReportsAFailure) {
@@ -170,17 +141,6 @@ TEST_F(StepsTest, SaveWritesTvlLrcOrTextAndReportsAFailure) {
     EXPECT_EQ(editor.Step(), 3);  // the lyric stays in the editor
 }
 
-TEST_F(StepsTest, UntimedLyricSavesAsPlainTextAfterItsProperties) {
-    StartTiming(u"one two\r\nthree");
-    editor.cmdNext_Click();
-    EXPECT_EQ(editor.SaveText(1).find(u"<"), std::u16string::npos);
-    EXPECT_NE(editor.SaveText(1).find(u"[\\PROPERTY]one two\r\nthree\r\n"), std::u16string::npos);
-    // A lyric read with times whose times were all deleted is plain text too.
-    StartTiming(u"[1000]<1000>one <1500>two\r\n[2000]three\r\n");
-    editor.delTimes(INT32_MIN, INT32_MAX);
-    EXPECT_NE(editor.SaveText(1).find(u"[\\PROPERTY]one two\r\nthree\r\n"), std::u16string::npos);
-}
-
 TEST_F(StepsTest, ResetAsksAndOnlyYesGoesBack) {
     StartTiming(u"one two");
     Press(kKeyRight, 100);
@@ -199,14 +159,6 @@ TEST_F(StepsTest, ResetAsksAndOnlyYesGoesBack) {
     EXPECT_FALSE(editor.HasTimes());
 }
 
-TEST_F(StepsTest, SendWithoutServiceFailsAndUnlocks) {
-    StartTiming(u"one two");
-    editor.cmdNext_Click();
-    editor.cmdInternet_Click();
-    EXPECT_FALSE(editor.Sending());
-    EXPECT_EQ(view.boxes, (Boxes{{u"{TovalSentFail}", u"{TovalSentFailTitle}", kMbIconError}}));
-}
-
 TEST_F(StepsTest, ClosingStoresTheWindowAndTheFoldSetting) {
     StartTiming(u"one two");
     editor.cmdNext_Click();
@@ -221,22 +173,6 @@ TEST_F(StepsTest, ClosingStoresTheWindowAndTheFoldSetting) {
     EXPECT_EQ(std::tuple(s.pos_EditWinTop, s.pos_EditWinLeft, s.size_EditWinWidth,
                          s.size_EditWinHeight, s.edt_AutoImplode),
               std::tuple(100, 200, 7000, 5000, true));
-}
-
-TEST(EditorWithoutWindow, TextProceduresWorkAndDialogsCancel) {
-    cGlobals globals;
-    FakeRandom random;
-    cEditor editor(globals, random);
-    EXPECT_EQ(editor.textToLyric(u"ab"), u"[]<>ab\r\n");
-    cMusic music;
-    editor.Form_Load(music);
-    editor.txtEdit_Change(u"one two");
-    editor.cmdNext_Click();
-    editor.pb_Main_KeyDown(kKeyRight, 0);
-    editor.pb_Main_MouseDown(kButtonRight, 0, 1, 1);
-    editor.mnuAdv_Click();
-    editor.cmdReset_Click();  // cancelled
-    EXPECT_EQ(std::pair(editor.Step(), editor.HasTimes()), std::pair(2, true));
 }
 
 }  // namespace

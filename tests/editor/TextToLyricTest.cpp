@@ -18,17 +18,12 @@ TEST_F(TextToLyric, LinesAndTheirEndings) {
         {u"ab", u"[]<>ab\r\n"},
         {u"ab\r\nc", u"[]<>ab\r\n"},  // a last line of one character is dropped
         {u"ab\r\ncd", u"[]<>ab\r\n[]<>cd\r\n"},
-        {u"ab\r\n", u"[]<>ab\r\n"},
         {u"\r\n\r\nab", u"[]\r\n[]\r\n[]<>ab\r\n"},
         {u"ab\ncd", u"[]<>ab\ncd\r\n"},  // a lone LF stays inside the line
         {u"Hello, world", u"[]<>Hello<>,<> <>world\r\n"},
-        {u" Hi", u"[]<> <>Hi\r\n"},
         {u"a  b", u"[]<>a<> <> \r\n"},
         {u"ab c", u"[]<>ab<> \r\n"},
-        {u"don't stop", u"[]<>don't<> <>stop\r\n"},
         {u"well-known", u"[]<>well<>-<>known\r\n"},
-        {u"x,,yy", u"[]<>x<>,<>,<>yy\r\n"},
-        {u"ab,", u"[]<>ab<>,\r\n"},
         {u",,", u"[]<>,<>,\r\n"},
         {u"tab\there", u"[]<>tab\there\r\n"},
         {u"\u3000\u4F60\u597D\u3002", u"[]<>\u3000<>\u4F60\u597D<>\u3002\r\n"},
@@ -50,8 +45,6 @@ TEST_F(TextToLyric, RightToLeftRunsComeOutReversed) {
     EXPECT_EQ(editor.wordSep(a + u" " + b + u" xy", u"<>"), u"<>" + b + u"<> <>" + a + u"<> <>xy");
     // A run after a left-to-right word: the separator between stays in front.
     EXPECT_EQ(editor.wordSep(u"xy " + a + u" " + b, u"<>"), u"<>xy<> <>" + b + u"<> <>" + a);
-    // Two separators inside a run.
-    EXPECT_EQ(editor.wordSep(a + u", " + b, u"<>"), u"<>" + b + u"<> <>,<>" + a);
     // A trailing separator after a run comes last.
     EXPECT_EQ(editor.wordSep(a + u" " + b + u".", u"<>"), u"<>" + b + u"<> <>" + a + u"<>.");
 }

@@ -44,16 +44,6 @@ TEST_F(TimingTest, AgainKeyCorrectsTheLastStampAndDownArrowTakesTheNextLine) {
     EXPECT_EQ(Records(), u"[1000]<1160><3000>one<> <>two\r\n[2000]<2200>three<> <>four\r\n");
 }
 
-TEST_F(TimingTest, AnotherTrackMovesTheHighlightButStampsNothing) {
-    StartTiming(u"one two\r\nthree");
-    globals.TrackID = 7;
-    PressRight({100, 200});
-    EXPECT_EQ(Cursor(), std::pair(0, 0));
-    editor.pb_Main_MouseDown(kButtonLeft, 0, 5, 20);
-    EXPECT_EQ(std::tuple(editor.curLine(), editor.HasTimes(), editor.CanUndo()),
-              std::tuple(1, false, false));
-}
-
 TEST_F(TimingTest, RightToLeftLyricSwapsTheArrowsAndWalksFromTheLastWord) {
     const std::u16string a = u"\u05D0\u05D1", b = u"\u05D2\u05D3";
     editor.Form_Load(music);
@@ -83,79 +73,10 @@ TEST_F(TimingTest, MouseHitsWordsLinesAndNothing) {
     EXPECT_EQ(std::pair(editor.newLine(), editor.curLine()), std::pair(kUnset, kUnset));
     editor.pb_Main_MouseDown(kButtonLeft, 0, 1e300, 5);  // no integer coordinate
     EXPECT_EQ(editor.newLine(), kUnset);
-    editor.locateLineWord(12, 20);
-    EXPECT_EQ(std::pair(editor.newLine(), editor.newWord()), std::pair(1, 0));
     // Outside the timing step the mouse does nothing.
     editor.cmdNext_Click();
     editor.pb_Main_MouseDown(kButtonLeft, 0, 5, 20);
     EXPECT_EQ(Times(Word(1, 0)), Ints{});
-}
-
-TEST_F(TimingTest, HalvingSearchesFindEveryLineAndWord) {
-    std::u16string text;
-    for (int i = 0; i < 37; ++i)
-        text += u"w" + std::u16string(static_cast<size_t>(i % 5) + 1, u'x') + u" z\r\n";
-    StartTiming(text);
-    const int32_t lines = editor.Lyric()->GetLineSize();
-    ASSERT_EQ(lines, 37);
-    for (int32_t l = 0; l < lines; ++l) {
-        EXPECT_EQ(editor.searchLine(l * 16 + 8, 0, lines - 1), l);
-        const auto line = Line(l);
-        for (int32_t w = 0; w < line->GetWordSize(); ++w) {
-            const int32_t x = line->GetWord(w)->Delta()->Initial()->X() + 1;
-            EXPECT_EQ(editor.searchWord(*line, x, 0, line->GetWordSize() - 1), w);
-        }
-    }
-    EXPECT_EQ(editor.searchLine(-1, 0, lines - 1), kUnset);
-    EXPECT_EQ(editor.searchLine(37 * 16 + 1, 0, lines - 1), kUnset);
-    EXPECT_EQ(editor.searchLine(5, 0, -1), kUnset);
-}
-
-TEST_F(TimingTest, RightClickShowsTheElementsTimesAndRestoresTheHighlight) {
-    StartTiming(u"ab cd\r\nef gh");
-    Press(kKeyRight, 100);  // line 0
-    Press(kKeyRight, 200);  // ab
-    Press(kKeyRight, 250);  // cd
-    Press(kKeyRight, 300);  // line 1
-    // A word without times: empty lists, both sub-menus disabled.
-    editor.pb_Main_MouseDown(kButtonRight, 0, 35, 20);
-    ASSERT_EQ(view.menus.size(), 1u);
-    EXPECT_EQ(std::tuple(view.menus[0].EditTimes.size(), view.menus[0].EditTimesEnabled,
-                         view.menus[0].DelFromEnabled),
-              std::tuple(0u, false, false));
-    // The target goes back to the line; restoring a line alone on the same
-    // line leaves the clicked word highlighted.
-    EXPECT_EQ(Cursor(), std::pair(1, 2));
-    EXPECT_EQ(std::pair(editor.newLine(), editor.newWord()), std::pair(1, kUnset));
-    // A word of another line with a time: listed in both sub-menus.
-    editor.pb_Main_MouseDown(kButtonRight, 0, 5, 3);
-    ASSERT_EQ(view.menus.size(), 2u);
-    const std::vector<std::u16string> listed{u"00:00.200"};
-    EXPECT_EQ(
-        std::tuple(view.menus[1].EditTimes, view.menus[1].DelTimes, view.menus[1].DelFromEnabled),
-        std::tuple(listed, listed, true));
-    // From another line, the highlight returns to the remembered pair.
-    EXPECT_EQ(Cursor(), std::pair(1, 2));
-    EXPECT_EQ(std::pair(view.redrawn.back().line, view.redrawn.back().highlighted),
-              std::pair(1, true));
-}
-
-TEST_F(TimingTest, MenuDeleteFromCutsTheWholeLyricOff) {
-    StartTiming(u"ab cd\r\nef gh");
-    int32_t t = 10000;
-    for (int i = 0; i < 6; ++i)
-        Press(kKeyRight, t += 1000);  // 11 s to 16 s
-    // Right click on "cd" (13 s), "delete from" its time: every time from
-    // 13 s on goes, on every line and word; earlier ones stay.
-    view.onMenu = [](const cEditorMenu& menu) {
-        EXPECT_EQ(menu.DelTimes.size(), 1u);
-        return cMenuChoice{cMenuChoice::DelTime, 1};
-    };
-    editor.pb_Main_MouseDown(kButtonRight, 0, 35, 3);
-    EXPECT_EQ(Records(), u"[11000]<12000>ab<> <>cd\r\n[]<>ef<> <>gh\r\n");
-    // Undo brings them back.
-    EXPECT_TRUE(editor.Undo());
-    EXPECT_EQ(Records(), u"[11000]<12000>ab<> <13000>cd\r\n[14000]<15000>ef<> <16000>gh\r\n");
 }
 
 TEST_F(TimingTest, MenuDeletesAndEditsTheClickedElementsTimes) {
@@ -181,15 +102,6 @@ TEST_F(TimingTest, MenuDeletesAndEditsTheClickedElementsTimes) {
     };
     editor.pb_Main_MouseDown(kButtonRight, 0, 5, 3);
     EXPECT_EQ(Times(Word(0, 0)), Ints{210});
-    // Escape changes nothing and leaves no undo step.
-    const size_t steps = editor.History().UndoSize();
-    view.onEditTime = [](cEditTime& dialog) {
-        dialog.setTxtEdit(u"");
-        return std::vector<int32_t>{kKeyEscape};
-    };
-    editor.pb_Main_MouseDown(kButtonRight, 0, 5, 3);
-    EXPECT_EQ(Times(Word(0, 0)), Ints{210});
-    EXPECT_EQ(editor.History().UndoSize(), steps);
     // "Delete times" of the element drops the pending last stamp too.
     view.onMenu = [](const cEditorMenu&) { return cMenuChoice{cMenuChoice::DelTimes, 0}; };
     editor.pb_Main_MouseDown(kButtonRight, 0, 100, 3);  // line 0 itself

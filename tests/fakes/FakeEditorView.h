@@ -21,10 +21,6 @@ class FakeEditorView : public iEditorView {
         int32_t flags;
         bool operator==(const Box&) const = default;
     };
-    struct Redrawn {
-        int32_t line, word;
-        bool highlighted;
-    };
 
     void setCaption(const std::u16string& text) override { caption = text; }
     void setEnabled(eEditorControl c, bool on) override { enabled[c] = on; }
@@ -53,16 +49,11 @@ class FakeEditorView : public iEditorView {
         return boxAnswer;
     }
     cMenuChoice PopupMenu(const cEditorMenu& menu) override {
-        menus.push_back(menu);
         return onMenu ? onMenu(menu) : cMenuChoice{};
     }
     // Plays the user: the script sets options and fields and presses OK
     // (answer true) until cmdOk accepts, or cancels (answer false).
     bool OpenAdvTime(cEditAdvTime& dialog) override {
-        ++advOpened;
-        advPrefill.clear();
-        for (int32_t f = 0; f < cEditAdvTime::kFieldCount; ++f)
-            advPrefill.push_back(dialog.txtEdit(f));
         if (!onAdv) return false;
         for (;;) {
             if (!onAdv(dialog)) return false;
@@ -77,9 +68,7 @@ class FakeEditorView : public iEditorView {
     }
     void ShowEditInfo(const std::u16string& text) override { infoShown.push_back(text); }
     void Redraw() override {}
-    void RedrawElement(int32_t line, int32_t word, bool highlighted) override {
-        redrawn.push_back({line, word, highlighted});
-    }
+    void RedrawElement(int32_t, int32_t, bool) override {}
     cWindowRect WindowRect() override { return rect; }
     void setWindowRect(const cWindowRect& r) override { rect = r; }
 
@@ -103,12 +92,8 @@ class FakeEditorView : public iEditorView {
     bool editRightToLeft = false;
     std::vector<cFileDialog> openDialogs, saveDialogs;
     std::vector<Box> boxes;
-    std::vector<cEditorMenu> menus;
-    int advOpened = 0;
-    std::vector<std::u16string> advPrefill;
     std::vector<std::u16string> editTimeShown;
     std::vector<std::u16string> infoShown;
-    std::vector<Redrawn> redrawn;
     cWindowRect rect;
 };
 

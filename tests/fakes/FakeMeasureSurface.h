@@ -1,11 +1,9 @@
 // A measuring surface with fixed-width metrics: every character is charWidth
-// pixels wide, every run (the empty one too) height pixels high. Counts calls
-// and remembers what was measured.
+// pixels wide, every run (the empty one too) height pixels high.
 #pragma once
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 #include "platform/MeasureSurface.h"
 
@@ -17,17 +15,12 @@ class FakeMeasureSurface : public MeasureSurface {
     FakeMeasureSurface(int32_t width, int32_t h) : charWidth(width), height(h) {}
 
     cTextExtent TextExtent(const std::u16string& text) override {
-        ++extentCalls;
-        if (keepTexts) measured.push_back(text);
         return {static_cast<int32_t>(text.size()) * charWidth, height};
     }
     void DoEvents() override { ++doEvents; }
 
     int32_t charWidth = 10;
     int32_t height = 16;
-    bool keepTexts = false;  // record every measured text in `measured`
-    std::vector<std::u16string> measured;
-    int32_t extentCalls = 0;
     int32_t doEvents = 0;
 };
 

@@ -10,10 +10,7 @@ class FakeTimer : public Timer {
     int32_t Interval() const override { return interval; }
     void setInterval(int32_t ms) override { interval = ms; }
     bool Enabled() const override { return enabled; }
-    void setEnabled(bool on) override {
-        enabled = on;
-        ++enableChanges;
-    }
+    void setEnabled(bool on) override { enabled = on; }
 
     // Raises the tick when enabled; returns whether it did.
     bool tick() {
@@ -24,7 +21,6 @@ class FakeTimer : public Timer {
 
     int32_t interval = 0;
     bool enabled = false;
-    int enableChanges = 0;
 };
 
 }  // namespace toval::test
