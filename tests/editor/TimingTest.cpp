@@ -79,6 +79,20 @@ TEST_F(TimingTest, MouseHitsWordsLinesAndNothing) {
     EXPECT_EQ(Times(Word(1, 0)), Ints{});
 }
 
+TEST_F(TimingTest, MenuDeleteFromCutsTheWholeLyricOff) {
+    StartTiming(u"ab cd\r\nef gh");
+    int32_t t = 10000;
+    for (int i = 0; i < 6; ++i)
+        Press(kKeyRight, t += 1000);  // 11 s to 16 s
+    // Right click on "cd" (13 s), "delete from" its time: every time from
+    // 13 s on goes, on every line and word; earlier ones stay.
+    view.onMenu = [](const cEditorMenu&) { return cMenuChoice{cMenuChoice::DelTime, 1}; };
+    editor.pb_Main_MouseDown(kButtonRight, 0, 35, 3);
+    EXPECT_EQ(Records(), u"[11000]<12000>ab<> <>cd\r\n[]<>ef<> <>gh\r\n");
+    EXPECT_TRUE(editor.Undo());
+    EXPECT_EQ(Records(), u"[11000]<12000>ab<> <13000>cd\r\n[14000]<15000>ef<> <16000>gh\r\n");
+}
+
 TEST_F(TimingTest, MenuDeletesAndEditsTheClickedElementsTimes) {
     StartTiming(u"ab cd\r\nef gh");
     PressRight({100, 200});
