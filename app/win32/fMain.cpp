@@ -187,6 +187,15 @@ void fMain::OpenEditor() {
     edit_->Show(*plugin->Music());
 }
 
+bool fMain::DialogMessage(MSG& msg) {
+    for (const HWND dialog :
+         {settings_ ? settings_->Hwnd() : nullptr, edit_ ? edit_->Hwnd() : nullptr}) {
+        if (dialog && (msg.hwnd == dialog || IsChild(dialog, msg.hwnd)))
+            return IsDialogMessageW(dialog, &msg) != FALSE;
+    }
+    return false;
+}
+
 void fMain::ShowSettings() {
     cConfig* config = logic_->Config();
     if (!config) return;

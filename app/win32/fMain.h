@@ -48,6 +48,10 @@ class fMain {
 
     // Program start with the command line; false when the program ends at once.
     bool Form_Load(const std::u16string& commandLine);
+    // The keyboard of the settings dialog and the editor as in any dialog
+    // (Tab, Alt with a caption's letter, Enter, Escape); true when msg was
+    // handled so.
+    bool DialogMessage(MSG& msg);
 
   private:
     bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
