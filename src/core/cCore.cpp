@@ -40,7 +40,8 @@ void cCore::setTimer(Timer* timer) {
     timer_ = timer;
     if (!timer_) return;
     timer_->onTimer = [this] { tmr_Timer_Timer(); };
-    timer_->setInterval(globals_.Settings.timer_TrackPosRefresh);
+    // A forecasting link answers at once: its first tick need not wait a poll.
+    timer_->setInterval(forecast_ ? kSoonMs : globals_.Settings.timer_TrackPosRefresh);
     timer_->setEnabled(true);
     timerBound_ = true;
 }
@@ -122,7 +123,8 @@ void cCore::PluginEventBody(int32_t code) {
             globals_.PlaylistPosition = plugin_ ? plugin_->PlaylistPosisition() : kUnset;
             globals_.TrackID = plugin_ && plugin_->Music() ? plugin_->Music()->ID() : kUnset;
             loadPending_ = true;
-            setInterval(s.timer_TrackPosRefresh);
+            // A forecasting link told of the track itself: look it up at once.
+            setInterval(forecast_ ? kSoonMs : s.timer_TrackPosRefresh);
             TimerOn(true);
             break;
         case kEventForget:
@@ -155,19 +157,25 @@ void cCore::PluginEventBody(int32_t code) {
 
 void cCore::tmr_Timer_Timer() {
     Guarded("cCore.tmr_Timer_Timer", [&] {
-        if (pluginAlive_) {
-            const int32_t position = plugin_ ? plugin_->Update() : globals_.PlayPosition;
-            if (lyricActive_) {
-                if (const auto stream = stream_) stream->UpdateTimeEvent(position);
-                PlanSleep();
-            } else if (loadPending_) {
-                loadPending_ = false;
-                if (loader_) loader_->Load(globals_.PlaylistPosition);
-            }
-        } else if (!waking_ && plugin_) {
+        // The tick asked for at once is done: back to the regular pace.
+        if (forecast_ && Interval() == kSoonMs)
+            setInterval(globals_.Settings.timer_TrackPosRefresh);
+        if (!pluginAlive_) {
+            if (waking_ || !plugin_) return;
             setInterval(globals_.Settings.timer_PlayerStateRefresh);
             waking_ = true;
             plugin_->Wakeup();
+            // A forecasting link wakes at once and has the track already: the
+            // first lookup need not wait for the next tick.
+            if (!forecast_ || !pluginAlive_) return;
+        }
+        const int32_t position = plugin_ ? plugin_->Update() : globals_.PlayPosition;
+        if (lyricActive_) {
+            if (const auto stream = stream_) stream->UpdateTimeEvent(position);
+            PlanSleep();
+        } else if (loadPending_) {
+            loadPending_ = false;
+            if (loader_) loader_->Load(globals_.PlaylistPosition);
         }
     });
 }

@@ -38,6 +38,8 @@ enum PluginEventCode : int32_t {
 
 // The longest sleep of a forecast poll: a safety net should a signal be lost.
 inline constexpr int32_t kMaxSleepMs = 5000;
+// A forecasting link's tick asked for at once: after the start and a new track.
+inline constexpr int32_t kSoonMs = 1;
 
 // The first version number for which an update notice is shown.
 inline constexpr int32_t kFirstNoticeVersion = 1030002;

@@ -219,5 +219,26 @@ TEST(cCore, AForecastPollSleepsUntilTheNextEventAndWakesWhenThePlayerMoves) {
     EXPECT_EQ(r.timer.interval, r.globals.Settings.timer_TrackPosRefresh);
 }
 
+TEST(cCore, AForecastingLinkIsWokenAndItsTrackLookedUpAtOnce) {
+    Rig r;
+    r.core->setForecast([](int32_t) -> int64_t { return 0; });
+    r.core->setTimer(&r.timer);
+    EXPECT_EQ(r.State(), "on 1");
+    // The link told of the track before it was woken: one tick wakes it and
+    // looks the track up, then the regular pace returns.
+    r.channel.playlistPosition = 3;
+    r.core->PluginEvent(kEventNewTrack);
+    r.timer.tick();
+    EXPECT_EQ(r.fake->loads, std::vector<int32_t>{3});
+    EXPECT_EQ(r.State(), "on 20 alive at 3");
+    // A later track is looked up on the next turn too, not a poll later.
+    r.channel.playlistPosition = 4;
+    r.core->PluginEvent(kEventNewTrack);
+    EXPECT_EQ(r.State(), "on 1 alive pending at 4");
+    r.timer.tick();
+    EXPECT_EQ(r.fake->loads, (std::vector<int32_t>{3, 4}));
+    EXPECT_EQ(r.State(), "on 20 alive at 4");
+}
+
 }  // namespace
 }  // namespace toval::test
