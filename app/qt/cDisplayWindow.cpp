@@ -145,21 +145,19 @@ void cDisplayWindow::Step() {
     update();
 }
 
-void cDisplayWindow::paintEvent(QPaintEvent*) {
+void cDisplayWindow::paintEvent(QPaintEvent* event) {
     QPainter p(this);
     QColor background = ColorOf(picture_.Background());
     background.setAlpha(globals_.Settings.effect_Alpha);
     p.setCompositionMode(QPainter::CompositionMode_Source);
-    p.fillRect(rect(), background);
-    const QImage& image = picture_.Image();
-    if (!image.isNull()) {
-        const QPoint at = PictureOrigin();
-        p.setCompositionMode(QPainter::CompositionMode_SourceOver);
-        // The strip shows the current line alone, never a slice of its neighbours.
-        if (mode_ == kModeTray)
-            p.setClipRect(QRect(0, at.y() + lineTop_, width(), lineBottom_ - lineTop_),
-                          Qt::IntersectClip);
-        p.drawImage(at, image);
+    p.fillRect(event->rect(), background);
+    const QPoint at = PictureOrigin();
+    QRect clip = event->rect();
+    // The strip shows the current line alone, never a slice of its neighbours.
+    if (mode_ == kModeTray) clip &= QRect(0, at.y() + lineTop_, width(), lineBottom_ - lineTop_);
+    if (!clip.isEmpty()) {
+        p.setClipRect(clip);
+        picture_.Paint(p, at, clip, background);
     }
     if (onPainted) onPainted();
 }

@@ -2,8 +2,8 @@
 
 #include <QFontMetrics>
 #include <QPainter>
+#include <QPoint>
 #include <algorithm>
-#include <cmath>
 
 #include "config/cSettings.h"
 
@@ -11,8 +11,7 @@ namespace toval {
 
 namespace {
 
-// The largest picture side in logical pixels: a lyric is never taller, and a
-// hostile layout never makes the program allocate gigabytes.
+// The largest picture side in logical pixels: a lyric is never taller.
 constexpr int32_t kMaxSide = 32000;
 
 QString QtText(const std::u16string& text) {
@@ -29,6 +28,14 @@ QColor ColorOf(cColor color) {
 
 cQtPicture::cQtPicture() {
     font_.setStyleStrategy(QFont::PreferAntialias);
+    setFaces();
+}
+
+void cQtPicture::setFaces() {
+    // The display says for each text whether it is underlined.
+    plain_ = underlined_ = font_;
+    plain_.setUnderline(false);
+    underlined_.setUnderline(true);
 }
 
 void cQtPicture::setFont(const cSettings& s) {
@@ -38,67 +45,99 @@ void cQtPicture::setFont(const cSettings& s) {
     font_.setItalic(s.font_Italic);
     font_.setStrikeOut(s.font_Strikethru);
     font_.setUnderline(s.font_Underline);
+    setFaces();
 }
 
-void cQtPicture::setPixelRatio(qreal ratio) {
-    if (!(ratio >= 1.0) || ratio > 8.0) ratio = 1.0;
-    ratio_ = ratio;
+bool cQtPicture::Fits(const cRect& rect) {
+    return rect.Left >= 0 && rect.Top >= 0 && rect.Right <= kMaxSide && rect.Bottom <= kMaxSide &&
+           rect.Right > rect.Left && rect.Bottom > rect.Top;
 }
 
-bool cQtPicture::Hold(const cRect& rect) {
-    if (rect.Left < 0 || rect.Top < 0 || rect.Right > kMaxSide || rect.Bottom > kMaxSide)
-        return false;
-    const int width = image_.isNull() ? 0 : static_cast<int>(image_.width() / ratio_);
-    const int height = image_.isNull() ? 0 : static_cast<int>(image_.height() / ratio_);
-    if (rect.Right <= width && rect.Bottom <= height) return true;
-    // Grow by half again at least, so that a long lyric is copied a few times only.
-    const int newWidth = rect.Right <= width
-                             ? width
-                             : std::min(kMaxSide, std::max<int>(rect.Right, width + width / 2));
-    const int newHeight = rect.Bottom <= height
-                              ? height
-                              : std::min(kMaxSide, std::max<int>(rect.Bottom, height + height / 2));
-    QImage grown(static_cast<int>(std::ceil(newWidth * ratio_)),
-                 static_cast<int>(std::ceil(newHeight * ratio_)),
-                 QImage::Format_ARGB32_Premultiplied);
-    if (grown.isNull()) return false;
-    grown.setDevicePixelRatio(ratio_);
-    grown.fill(Qt::transparent);
-    if (!image_.isNull()) {
-        QPainter p(&grown);
-        p.drawImage(0, 0, image_);
-    }
-    image_ = std::move(grown);
-    return true;
+uint64_t cQtPicture::Key(const cRect& rect) {
+    // Every side is within 0..kMaxSide, which 16 bits hold.
+    return static_cast<uint64_t>(rect.Left) << 48 | static_cast<uint64_t>(rect.Top) << 32 |
+           static_cast<uint64_t>(rect.Right) << 16 | static_cast<uint64_t>(rect.Bottom);
+}
+
+void cQtPicture::Add(const cRect& rect, Mark mark) {
+    Drawn(rect);
+    mark.box = QRect(rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top);
+    at_[Key(rect)].push_back(marks_.size());
+    marks_.push_back(std::move(mark));
 }
 
 void cQtPicture::FillRectangle(const cRect& rect, cColor color) {
-    if (rect.Right <= rect.Left || rect.Bottom <= rect.Top || !Hold(rect)) return;
-    Drawn(rect);
-    QPainter p(&image_);
-    // The background stays clear: the window lays its translucent colour under the picture.
-    p.setCompositionMode(QPainter::CompositionMode_Source);
-    p.fillRect(QRect(rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top),
-               color == background_ ? QColor(Qt::transparent) : ColorOf(color));
+    if (!Fits(rect)) return;
+    // The box is painted over whole: what was drawn in it before is gone.
+    const auto found = at_.find(Key(rect));
+    if (found != at_.end()) {
+        for (const size_t index : found->second)
+            marks_[index].live = false;
+        dead_ += found->second.size();
+        at_.erase(found);
+    }
+    Mark mark;
+    mark.color = color;
+    Add(rect, std::move(mark));
+    Compact();
 }
 
 void cQtPicture::Blank(cColor color) {
     background_ = color;
-    // A new lyric starts from an empty picture, sized by what it draws.
-    image_ = QImage();
+    marks_.clear();
+    at_.clear();
+    dead_ = 0;
     all_ = true;
 }
 
 void cQtPicture::PaintText(const std::u16string& text, const cRect& rect, int32_t /*flags*/) {
-    if (rect.Right <= rect.Left || rect.Bottom <= rect.Top || !Hold(rect)) return;
-    Drawn(rect);
-    QPainter p(&image_);
-    p.setRenderHint(QPainter::TextAntialiasing);
-    p.setFont(font_);
-    p.setPen(ColorOf(text_));
-    // One line, vertically centred, ampersands as they are (no mnemonics in QPainter).
-    p.drawText(QRect(rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top),
-               Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, QtText(text));
+    if (!Fits(rect)) return;
+    Mark mark;
+    mark.isText = true;
+    mark.underline = underline_;
+    mark.color = text_;
+    mark.text = QtText(text);
+    Add(rect, std::move(mark));
+}
+
+void cQtPicture::Compact() {
+    if (dead_ < 64 || dead_ < marks_.size() / 2) return;
+    std::vector<Mark> live;
+    live.reserve(marks_.size() - dead_);
+    at_.clear();
+    for (Mark& mark : marks_) {
+        if (!mark.live) continue;
+        const QRect& b = mark.box;
+        at_[Key(cRect{b.left(), b.top(), b.left() + b.width(), b.top() + b.height()})].push_back(
+            live.size());
+        live.push_back(std::move(mark));
+    }
+    marks_ = std::move(live);
+    dead_ = 0;
+}
+
+void cQtPicture::Paint(QPainter& painter, const QPoint& origin, const QRect& clip,
+                       const QColor& erase) const {
+    painter.setRenderHint(QPainter::TextAntialiasing);
+    for (const Mark& mark : marks_) {
+        if (!mark.live) continue;
+        const QRect box = mark.box.translated(origin);
+        if (!box.intersects(clip)) continue;
+        if (mark.isText) {
+            painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+            painter.setFont(mark.underline ? underlined_ : plain_);
+            painter.setPen(ColorOf(mark.color));
+            // One line, vertically centred, ampersands as they are (no mnemonics in QPainter).
+            painter.drawText(box, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, mark.text);
+        } else if (mark.color == background_) {
+            // The window's own translucent colour, whatever was painted there before.
+            painter.setCompositionMode(QPainter::CompositionMode_Source);
+            painter.fillRect(box, erase);
+        } else {
+            painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+            painter.fillRect(box, ColorOf(mark.color));
+        }
+    }
 }
 
 void cQtPicture::Drawn(const cRect& rect) {

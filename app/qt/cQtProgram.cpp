@@ -88,7 +88,6 @@ cQtProgram::cQtProgram(Options options)
         picture_.setFont(globals_.Settings);
     };
     logic_->onDisplayLoaded = [this](cDisplay& display) {
-        picture_.setPixelRatio(window_.devicePixelRatioF());
         window_.Attach(display);
     };
     logic_->onUpdateMenus = [this] { UpdateMenus(); };

@@ -1,6 +1,8 @@
 // toval: shows the lyric of the track an MPRIS player plays, word by word.
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFontDatabase>
+#include <thread>
 
 #include "cQtProgram.h"
 
@@ -21,10 +23,16 @@ int main(int argc, char* argv[]) {
     parser.addOption(player);
     parser.process(app);
 
+    // Reading the system's font set takes a good part of the start-up; a
+    // helper thread does it while the program finds its player and lyric.
+    std::thread fonts([] { QFontDatabase::families(); });
+
     toval::cQtProgram::Options options;
     options.player = parser.value(player);
     options.tracePath = qEnvironmentVariable("TOVAL_TRACE");
     toval::cQtProgram program(options);
-    if (!program.Start()) return 0;
-    return QApplication::exec();
+    const bool started = program.Start();
+    const int code = started ? QApplication::exec() : 0;
+    fonts.join();
+    return code;
 }
