@@ -125,10 +125,18 @@ void cQtPicture::Paint(QPainter& painter, const QPoint& origin, const QRect& cli
         if (!box.intersects(clip)) continue;
         if (mark.isText) {
             painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-            painter.setFont(mark.underline ? underlined_ : plain_);
+            const QFont& font = mark.underline ? underlined_ : plain_;
+            painter.setFont(font);
             painter.setPen(ColorOf(mark.color));
-            // One line, vertically centred, ampersands as they are (no mnemonics in QPainter).
-            painter.drawText(box, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, mark.text);
+            // One line, vertically centred, ampersands as they are (no mnemonics).
+            if (!mark.laidOut) {
+                mark.shown.setTextFormat(Qt::PlainText);
+                mark.shown.setText(mark.text);
+                mark.shown.prepare(QTransform(), font);
+                mark.laidOut = true;
+            }
+            const qreal top = box.top() + (box.height() - mark.shown.size().height()) / 2.0;
+            painter.drawStaticText(QPointF(box.left(), top), mark.shown);
         } else if (mark.color == background_) {
             // The window's own translucent colour, whatever was painted there before.
             painter.setCompositionMode(QPainter::CompositionMode_Source);

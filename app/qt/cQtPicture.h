@@ -10,6 +10,7 @@
 #include <QColor>
 #include <QFont>
 #include <QRect>
+#include <QStaticText>
 #include <QString>
 #include <functional>
 #include <unordered_map>
@@ -65,6 +66,9 @@ class cQtPicture final : public DrawSurface, public MeasureSurface {
         bool underline = false;
         cColor color = 0;
         QString text;
+        // Laid out at its first paint: the window repaints it without shaping it again.
+        mutable QStaticText shown;
+        mutable bool laidOut = false;
     };
     // Whether rect lies in the picture's bounds; marks outside are dropped.
     static bool Fits(const cRect& rect);
