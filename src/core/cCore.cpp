@@ -175,7 +175,13 @@ void cCore::tmr_Timer_Timer() {
             PlanSleep();
         } else if (loadPending_) {
             loadPending_ = false;
+            // A forecasting link is not polled while the lookup runs: its answer
+            // turns the timer on again.
+            if (forecast_) TimerOn(false);
             if (loader_) loader_->Load(globals_.PlaylistPosition);
+        } else if (forecast_) {
+            // No lyric and none coming (stopped): the link tells of the next track itself.
+            TimerOn(false);
         }
     });
 }

@@ -230,14 +230,21 @@ TEST(cCore, AForecastingLinkIsWokenAndItsTrackLookedUpAtOnce) {
     r.core->PluginEvent(kEventNewTrack);
     r.timer.tick();
     EXPECT_EQ(r.fake->loads, std::vector<int32_t>{3});
-    EXPECT_EQ(r.State(), "on 20 alive at 3");
+    // Nothing is polled while the lookup runs; its answer turns the timer on.
+    EXPECT_EQ(r.State(), "off 20 alive at 3");
+    r.fake->text = u"[1000]a";
+    r.fake->Answer(3, kLyricLocal);
+    EXPECT_EQ(r.State(), "on 20 alive lyric stream at 3");
     // A later track is looked up on the next turn too, not a poll later.
     r.channel.playlistPosition = 4;
     r.core->PluginEvent(kEventNewTrack);
-    EXPECT_EQ(r.State(), "on 1 alive pending at 4");
+    EXPECT_EQ(r.State(), "on 1 alive pending stream at 4");
     r.timer.tick();
     EXPECT_EQ(r.fake->loads, (std::vector<int32_t>{3, 4}));
-    EXPECT_EQ(r.State(), "on 20 alive at 4");
+    // A stopped player: one tick finds nothing to do and the timer stays off.
+    r.core->PluginEvent(kEventStopped);
+    r.timer.tick();
+    EXPECT_EQ(r.State(), "off 20 alive");
 }
 
 }  // namespace
