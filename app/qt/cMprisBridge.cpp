@@ -260,7 +260,7 @@ void cMprisBridge::ReadPosition() {
     const auto it = players_.find(followed_);
     if (it == players_.end()) return;
     if (it->second.status == QLatin1String("Playing")) {
-        readTimer_.start();  // the next reading a period after this one
+        if (!readTimer_.isActive()) readTimer_.start();
     } else {
         readTimer_.stop();
     }
@@ -269,7 +269,6 @@ void cMprisBridge::ReadPosition() {
     get << kPlayerInterface << QStringLiteral("Position");
     const QString asked = followed_;
     const int64_t sent = Now();
-    lastRead_ = sent;
     auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(get, kCallTimeoutMs), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
             [this, asked, sent](QDBusPendingCallWatcher* w) {
@@ -295,12 +294,8 @@ int32_t cMprisBridge::SendCommand(int32_t window, int32_t command, int32_t /*arg
             // A plug-in sends the playing track once it knows where to: after the core woke up.
             QTimer::singleShot(0, this, [this] { Announce(true); });
             return 1;
-        case kCmdPosition: {
-            if (!announced_) return 0;
-            const int64_t now = Now();
-            if (burst_ == 0 && now - lastRead_ >= kPositionRenewMs) ReadPosition();
-            return clock_.At(now);
-        }
+        case kCmdPosition:
+            return announced_ ? clock_.At(Now()) : 0;
         case kCmdPlaylistPos:
             return serial_;
         case kCmdAlive:

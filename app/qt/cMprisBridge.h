@@ -27,9 +27,6 @@ inline constexpr int32_t kBridgeWindow = 1;
 inline constexpr int32_t kBridgeHandler = 2;
 // Readings of the position while playing, this far apart.
 inline constexpr int32_t kPositionReadMs = 1000;
-// A reading this old is renewed when the core looks anyway (a highlight is
-// due), which spares the program a wake-up of its own for it.
-inline constexpr int32_t kPositionRenewMs = 700;
 // After a new track, a seek or play, a few readings come quicker: the clock
 // finds the front of the player's lagging reports sooner.
 inline constexpr int32_t kBurstReadMs = 200;
@@ -107,7 +104,6 @@ class cMprisBridge : public QObject, public PluginChannel {
     cPositionClock clock_;
     QTimer readTimer_;
     int32_t burst_ = 0;
-    int64_t lastRead_ = 0;  // when the last reading was asked for (Now)
 };
 
 }  // namespace toval
