@@ -42,6 +42,18 @@ open(path, "w", newline="").write("\r\n".join(out) + "\r\n[\\PROPERTY]" + "\r\n"
 PY
 
 now_ms() { python3 -c 'import time; print(int(time.monotonic() * 1000))'; }
+# Starts a program in the background and sets t0 (the monotonic clock in ms,
+# read just before the start, as the programs' traces read it) and pid.
+launch() {
+    read -r t0 pid < <(python3 - "$@" <<'PY'
+import subprocess, sys, time
+t0 = time.monotonic()
+child = subprocess.Popen(sys.argv[1:], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                         stderr=subprocess.DEVNULL)
+print(int(t0 * 1000), child.pid)
+PY
+)
+}
 # Process ids of the programs whose command line matches a pattern.
 pids_of() { pgrep -u "$(id -u)" -f "$1" || true; }
 cpu_ms() {  # PIDS...: CPU time of all their threads, in ms (the scheduler's own count, in ns)
@@ -78,9 +90,8 @@ sleep 2
 kill "$warm"; wait "$warm" 2>/dev/null || true
 start_mpv
 sleep 2
-t0=$(now_ms)
-TOVAL_TRACE=$out/trace.txt "$toval" &
-toval_pid=$!
+TOVAL_TRACE=$out/trace.txt launch "$toval"
+toval_pid=$pid
 until grep -q "highlight line=[0-9]" "$out/trace.txt" 2>/dev/null; do sleep 0.01; done
 shown=$(grep -m1 "highlight line=[0-9]" "$out/trace.txt" | cut -d' ' -f1)
 started=$(grep -m1 " start$" "$out/trace.txt" | cut -d' ' -f1)
@@ -93,7 +104,7 @@ toval_pss=$(pss_kb "$toval_pid")
 toval_cpu_ms=$(((c1 - c0) * 60 / seconds))
 import -window root "$out/toval.png"
 kill "$toval_pid" "$mpv_pid" 2>/dev/null || true
-wait "$toval_pid" "$mpv_pid" 2>/dev/null || true
+wait "$mpv_pid" 2>/dev/null || true
 late=$(awk '{split($5,p,"="); split($6,e,"="); if (e[2] > 0 && $3 != "word=-2147483648") print p[2] - e[2]}' \
     "$out/trace.txt" | sort -n | awk '{v[NR]=$1} END {if (NR) printf "median %d ms, 95%% %d ms, max %d ms (%d words)", v[int((NR+1)/2)], v[int(NR*0.95+0.5)], v[NR], NR}')
 
@@ -108,8 +119,7 @@ fi
 if [ "${TOVAL_PEER:-1}" != 0 ] && command -v osdlyrics >/dev/null; then
     start_mpv
     sleep 2
-    t0=$(now_ms)
-    osdlyrics >/dev/null 2>&1 &
+    launch osdlyrics
     until window_shown "osd lyrics\|osdlyrics" || (($(now_ms) - t0 > 30000)); do sleep 0.01; done
     peer_launch=$(($(now_ms) - t0))
     sleep 2
