@@ -28,6 +28,14 @@ struct Raised {
     bool operator==(const Raised&) const = default;
 };
 
+// A shell whose folders are the temp folder, set before the settings look for their file.
+FakeShell ShellIn(const TempDir& dir) {
+    FakeShell shell;
+    shell.specialFolder = dir.path().u16string();
+    shell.programFolder = dir.folder();
+    return shell;
+}
+
 class TovalSiteTest : public ::testing::Test {
   protected:
     TovalSiteTest() {
@@ -58,10 +66,14 @@ class TovalSiteTest : public ::testing::Test {
     }
     std::string postBody() const { return socket->sent.substr(socket->sent.find("\r\n\r\n") + 4); }
 
+    TempDir dir;
+    FakeShell shell = ShellIn(dir);
+    cIniEngine ini;
     cGlobals globals;
+    cConfig config{globals, shell, ini};
     std::shared_ptr<FakeSocket> socket = std::make_shared<FakeSocket>();
     std::shared_ptr<FakeTimer> timer = std::make_shared<FakeTimer>();
-    cTovalSite site{globals};
+    cTovalSite site{globals, &config};
     cMusic music;
     std::vector<Raised> raised;
 };
@@ -236,29 +248,11 @@ TEST_F(TovalSiteTest, AnswersBecomeOneEventWithTheRequestId) {
     EXPECT_EQ(globals.Settings.conn_Server, u"lyrics.test");
 }
 
-TEST(cTovalSiteMove, UpdateServerWritesTheHostAndSavesTheSettingsGroup) {
-    TempDir dir;
-    cGlobals globals;
-    globals.Settings.conn_Server = u"old.test";
+TEST_F(TovalSiteTest, UpdateServerWritesTheHostAndSavesTheSettingsGroup) {
     globals.Settings.proxy_Port = 3128;
-    FakeShell shell;
-    shell.specialFolder = dir.path().u16string();
-    shell.programFolder = dir.folder();
-    cIniEngine ini;
-    cConfig config(globals, shell, ini);
-    cTovalSite site(globals, &config);
-    auto socket = std::make_shared<FakeSocket>();
-    site.setSocket(socket);
-    site.setTime(std::make_shared<FakeTimer>());
-    std::vector<int32_t> results;
-    site.onToval = [&](int32_t result, int32_t) { results.push_back(result); };
-    cMusic music;
-
     site.Load(music, 2, 2);
-    socket->accept();
-    socket->answer("HTTP/1.0 200 OK\r\n\r\n<TOVAL>:UPDATESERVER:new.example:8080</TOVAL>");
-    socket->hangUp();
-    EXPECT_EQ(results, (std::vector<int32_t>{4}));
+    answer("<TOVAL>:UPDATESERVER:new.example:8080</TOVAL>");
+    EXPECT_EQ(raised.back().result, 4);
     EXPECT_TRUE(site.ServerMoved());
     EXPECT_EQ(globals.Settings.conn_Server, u"new.example:8080");
     const std::u16string file = dir.folder() + u"Toval" + kPathSeparator + u"config.ini";
@@ -266,7 +260,6 @@ TEST(cTovalSiteMove, UpdateServerWritesTheHostAndSavesTheSettingsGroup) {
     EXPECT_EQ(ini.ReadString(file, "toval", "proxy_Port", "", 1024), "3128");
     EXPECT_EQ(ini.ReadString(file, "toval", "pos_WinTop", "missing", 1024), "missing")
         << "the window group is not written";
-
     // The next request goes to the new host and port.
     site.Load(music, 3, 0);
     EXPECT_EQ(socket->connects.back().host, "new.example");
