@@ -11,6 +11,7 @@
 #include "fakes/FakeShell.h"
 #include "fakes/TempDir.h"
 #include "lyric/cMusic.h"
+#include "net/CacheFiles.h"
 #include "net/mHasher.h"
 
 namespace toval::test {
@@ -201,6 +202,17 @@ TEST_F(cCacheTest, AWriteCutOffLeavesEveryOtherEntryReadable) {
     ASSERT_TRUE(cache->SetLyric(kept, Lyric(5000, u'n')));
     EXPECT_EQ(cache->GetLyric(kept), Lyric(5000, u'n'));
     EXPECT_EQ(cache->GetLyric(c), Lyric(100, u'c'));
+}
+
+TEST_F(cCacheTest, AFreeListThatNamesALiveEntryIsNotBelieved) {
+    auto cache = Open();
+    ASSERT_TRUE(cache->SetLyric(a, Lyric(2000, u'a')));  // blocks 1..3
+    cache.reset();
+    dir.Write("Toval/cache.id", Le({1, 0}) + Id().substr(4));
+    cache = Open();
+    ASSERT_TRUE(cache->SetLyric(b, Lyric(10, u'b')));
+    EXPECT_EQ(cache->GetLyric(a), Lyric(2000, u'a'));
+    EXPECT_EQ(cache->GetLyric(b), Lyric(10, u'b'));
 }
 
 TEST_F(cCacheTest, AFolderThatCannotBeUsedGivesAQuietEmptyCacheAndTrailLines) {
