@@ -147,6 +147,7 @@ TEST(cTovalSiteRule, LrcOnlyWhenNothingIsLost) {
 
 TEST(cTovalSiteAnswer, SortsEnvelopeBodiesIntoResultCodesAndSaysWhyOnFailure) {
     using C = cNetError::Category;
+    using S = cTovalSite;
     const std::string none = "the service's answer holds no <TOVAL> envelope";
     const std::string said = "the service answered ";
     const std::string db = "the service's database failed ";
@@ -156,34 +157,28 @@ TEST(cTovalSiteAnswer, SortsEnvelopeBodiesIntoResultCodesAndSaysWhyOnFailure) {
         cNetError error;
         std::string body = {}, server = {};
     } cases[] = {
-        {"<TOVAL>:SUCCESS</TOVAL>", cTovalSite::kSuccess, {}},
-        {"<TOVAL>:SQL_ERROR</TOVAL>", cTovalSite::kSqlError, {C::kService, db + "(':SQL_ERROR')"}},
-        {"<TOVAL>:NOUPDATES</TOVAL>", cTovalSite::kNoUpdates, {}},
-        {"<TOVAL>:NOTFOUND</TOVAL>", cTovalSite::kNotFound, {}},
-        {"<TOVAL>:UPDATESERVER:new.host:8080</TOVAL>",
-         cTovalSite::kNotFound,
-         {},
-         "",
-         "new.host:8080"},
+        {"<TOVAL>:SUCCESS</TOVAL>", S::kSuccess, {}},
+        {"<TOVAL>:SQL_ERROR</TOVAL>", S::kSqlError, {C::kService, db + "(':SQL_ERROR')"}},
+        {"<TOVAL>:NOUPDATES</TOVAL>", S::kNoUpdates, {}},
+        {"<TOVAL>:NOTFOUND</TOVAL>", S::kNotFound, {}},
+        {"<TOVAL>:UPDATESERVER:new.host:8080</TOVAL>", S::kNotFound, {}, "", "new.host:8080"},
         // The first envelope; the close marker is searched behind the open one;
         // a lyric keeps its bytes as they came.
-        {"<html><TOVAL>one</TOVAL><TOVAL>two</TOVAL>", cTovalSite::kLyric, {}, "one"},
-        {"</TOVAL><TOVAL>[0]\xC3\xA9\r\n</TOVAL>", cTovalSite::kLyric, {}, "[0]\xC3\xA9\r\n"},
+        {"<html><TOVAL>one</TOVAL><TOVAL>two</TOVAL>", S::kLyric, {}, "one"},
+        {"</TOVAL><TOVAL>[0]\xC3\xA9\r\n</TOVAL>", S::kLyric, {}, "[0]\xC3\xA9\r\n"},
         // Codes are compared whole and case-sensitively.
-        {"<TOVAL>:notfound</TOVAL>", cTovalSite::kFailure, {C::kService, said + "':notfound'"}},
-        {"<TOVAL>:UPDATESERVER:</TOVAL>",
-         cTovalSite::kFailure,
-         {C::kService, said + "':UPDATESERVER:'"}},
-        {"", cTovalSite::kFailure, {C::kBadAnswer, none}},
-        {"<TOVAL></TOVAL>", cTovalSite::kFailure, {C::kBadAnswer, "the service's answer is empty"}},
-        {"<TOVAL>:SUCCESS", cTovalSite::kFailure, {C::kBadAnswer, none}},
-        {"<toval>:SUCCESS</toval>", cTovalSite::kFailure, {C::kBadAnswer, none}},
+        {"<TOVAL>:notfound</TOVAL>", S::kFailure, {C::kService, said + "':notfound'"}},
+        {"<TOVAL>:UPDATESERVER:</TOVAL>", S::kFailure, {C::kService, said + "':UPDATESERVER:'"}},
+        {"", S::kFailure, {C::kBadAnswer, none}},
+        {"<TOVAL></TOVAL>", S::kFailure, {C::kBadAnswer, "the service's answer is empty"}},
+        {"<TOVAL>:SUCCESS", S::kFailure, {C::kBadAnswer, none}},
+        {"<toval>:SUCCESS</toval>", S::kFailure, {C::kBadAnswer, none}},
     };
     for (const auto& c : cases) {
-        const auto answer = cTovalSite::ReadAnswer(c.data);
+        const auto answer = S::ReadAnswer(c.data);
         EXPECT_EQ(answer.result, c.result) << c.data;
         EXPECT_EQ(answer.error, c.error) << c.data;
-        if (c.result == cTovalSite::kLyric) {
+        if (c.result == S::kLyric) {
             EXPECT_EQ(answer.body, c.body);
         }
         EXPECT_EQ(answer.newServer, c.server) << c.data;

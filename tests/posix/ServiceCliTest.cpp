@@ -106,9 +106,7 @@ TEST(ServiceCli, PrintAndConvertReadAndWriteRealFiles) {
     } cases[] = {
         {{"print", (dir.path() / "none.tvl").string()}, kExitFile, "no such file"},
         {{"print", dir.path().string()}, kExitFile, ""},
-        {{"convert", kSample, "-o", (dir.path() / "no" / "x.lrc").string()},
-         kExitFile,
-         "cannot write"},
+        {{"convert", kSample, "-o", (dir.path() / "no/x.lrc").string()}, kExitFile, "cannot write"},
         {{"print", (dir.path() / "id3.lrc").string()}, kExitFile, "not a text file"},
         {{"print", (dir.path() / "tags.lrc").string()}, kExitNotFound, "only ID tags"},
         {{"print", (dir.path() / "empty.lrc").string()}, kExitNotFound, "the file is empty"},
