@@ -38,8 +38,8 @@ TEST(cCacheHT, ParsesEveryShapeOfFile) {
 
 class cCacheHTFile : public ::testing::Test {
   protected:
-    std::filesystem::path File() const { return dir.path() / "cache.id"; }
     void Open() { ht.setFileAddress(dir.file(u"cache.id")); }
+    std::string Bytes() const { return dir.Read("cache.id"); }
 
     TempDir dir;
     cGlobals globals;
@@ -49,13 +49,13 @@ class cCacheHTFile : public ::testing::Test {
 
 TEST_F(cCacheHTFile, SavesSortedByteForByteAndRepairsWhatItLoads) {
     Open();
-    ASSERT_TRUE(std::filesystem::exists(File()));
+    ASSERT_TRUE(std::filesystem::exists(dir.path() / "cache.id"));
     ht.setFreeAddress({7, 3});
     for (const auto& [hash, block] :
          Table{{10, 1}, {-5, 2}, {10, 4}, {INT32_MIN, 5}, {INT32_MAX, 6}})
         ASSERT_TRUE(ht.SetNewAddress(hash, block));
     // Signed order; the newer of two equal hashes goes in front of the older.
-    EXPECT_EQ(Slurp(File()), Le({7, 3, 0, INT32_MIN, 5, -5, 2, 10, 4, 10, 1, INT32_MAX, 6}));
+    EXPECT_EQ(Bytes(), Le({7, 3, 0, INT32_MIN, 5, -5, 2, 10, 4, 10, 1, INT32_MAX, 6}));
     EXPECT_EQ(ht.GetAddress(10), (std::vector<int32_t>{4, 1}));
     EXPECT_TRUE(ht.GetAddress(0).empty());
     EXPECT_TRUE(ht.UpdateAddress(10, 1, 99));
@@ -69,11 +69,11 @@ TEST_F(cCacheHTFile, SavesSortedByteForByteAndRepairsWhatItLoads) {
     // A shorter table replaces a longer file whole: no old tail survives.
     ht.setFreeAddress({});
     ASSERT_TRUE(ht.DelAllAddress());
-    EXPECT_EQ(Slurp(File()), Le({0}));
+    EXPECT_EQ(Bytes(), Le({0}));
     EXPECT_FALSE(std::filesystem::exists(dir.path() / "cache.id.new"));
 
     // Out of order, a head block twice.
-    Spit(File(), Le({7, 0, 9, 1, -3, 2, 9, 3, 4, 2, 0, 5}));
+    dir.Write("cache.id", Le({7, 0, 9, 1, -3, 2, 9, 3, 4, 2, 0, 5}));
     Open();
     EXPECT_EQ(ht.FreeAddress(), std::vector<int32_t>{7});
     EXPECT_EQ(ht.Table(), (Table{{-3, 2}, {0, 5}, {9, 1}, {9, 3}}));

@@ -30,12 +30,12 @@ class cCacheMDFile : public ::testing::Test {
   protected:
     void SetUp() override { md.setFileAddress(dir.file(u"cache.dat")); }
     std::filesystem::path File() const { return dir.path() / "cache.dat"; }
-    std::string Bytes() const { return Slurp(File()); }
+    std::string Bytes() const { return dir.Read("cache.dat"); }
     // Replaces an int32 of the file, the object's handle open all along.
     void Patch(size_t at, int32_t value) {
         std::fstream f(File(), std::ios::binary | std::ios::in | std::ios::out);
         f.seekp(static_cast<std::streamoff>(at));
-        f.write(Le(value).data(), 4);
+        f.write(Le({value}).data(), 4);
     }
     Blocks Freed(int32_t head) {
         Blocks freeList;
@@ -59,7 +59,7 @@ TEST_F(cCacheMDFile, LaysOutBlocksByteForByteAndReadsBackEveryLengthAroundTheirE
     EXPECT_EQ(file.substr(0, 267), Le({757, 0}) + key + std::string(259 - key.size(), '\0'));
     EXPECT_EQ(file.substr(267, 757), Text(757));
     EXPECT_EQ(file.substr(kBlock, 8), Le({758, 3}));
-    EXPECT_EQ(file.substr(2 * kBlock), Le(0) + Text(758).substr(757) + std::string(1019, ' ') +
+    EXPECT_EQ(file.substr(2 * kBlock), Le({0}) + Text(758).substr(757) + std::string(1019, ' ') +
                                            Le({2, 0}) + key + std::string(259 - key.size(), '\0') +
                                            "hi" + std::string(755, ' '));
     EXPECT_TRUE(md.IsFile(1, key));

@@ -28,6 +28,14 @@ struct Raised {
     bool operator==(const Raised&) const = default;
 };
 
+// A shell whose folders are the temp folder, set before the settings look for their file.
+FakeShell ShellIn(const TempDir& dir) {
+    FakeShell shell;
+    shell.specialFolder = dir.path().u16string();
+    shell.programFolder = dir.folder();
+    return shell;
+}
+
 class TovalSiteTest : public ::testing::Test {
   protected:
     TovalSiteTest() {
@@ -58,10 +66,14 @@ class TovalSiteTest : public ::testing::Test {
     }
     std::string postBody() const { return socket->sent.substr(socket->sent.find("\r\n\r\n") + 4); }
 
+    TempDir dir;
+    FakeShell shell = ShellIn(dir);
+    cIniEngine ini;
     cGlobals globals;
+    cConfig config{globals, shell, ini};
     std::shared_ptr<FakeSocket> socket = std::make_shared<FakeSocket>();
     std::shared_ptr<FakeTimer> timer = std::make_shared<FakeTimer>();
-    cTovalSite site{globals};
+    cTovalSite site{globals, &config};
     cMusic music;
     std::vector<Raised> raised;
 };
@@ -135,6 +147,7 @@ TEST(cTovalSiteRule, LrcOnlyWhenNothingIsLost) {
 
 TEST(cTovalSiteAnswer, SortsEnvelopeBodiesIntoResultCodesAndSaysWhyOnFailure) {
     using C = cNetError::Category;
+    using S = cTovalSite;
     const std::string none = "the service's answer holds no <TOVAL> envelope";
     const std::string said = "the service answered ";
     const std::string db = "the service's database failed ";
@@ -144,34 +157,28 @@ TEST(cTovalSiteAnswer, SortsEnvelopeBodiesIntoResultCodesAndSaysWhyOnFailure) {
         cNetError error;
         std::string body = {}, server = {};
     } cases[] = {
-        {"<TOVAL>:SUCCESS</TOVAL>", cTovalSite::kSuccess, {}},
-        {"<TOVAL>:SQL_ERROR</TOVAL>", cTovalSite::kSqlError, {C::kService, db + "(':SQL_ERROR')"}},
-        {"<TOVAL>:NOUPDATES</TOVAL>", cTovalSite::kNoUpdates, {}},
-        {"<TOVAL>:NOTFOUND</TOVAL>", cTovalSite::kNotFound, {}},
-        {"<TOVAL>:UPDATESERVER:new.host:8080</TOVAL>",
-         cTovalSite::kNotFound,
-         {},
-         "",
-         "new.host:8080"},
+        {"<TOVAL>:SUCCESS</TOVAL>", S::kSuccess, {}},
+        {"<TOVAL>:SQL_ERROR</TOVAL>", S::kSqlError, {C::kService, db + "(':SQL_ERROR')"}},
+        {"<TOVAL>:NOUPDATES</TOVAL>", S::kNoUpdates, {}},
+        {"<TOVAL>:NOTFOUND</TOVAL>", S::kNotFound, {}},
+        {"<TOVAL>:UPDATESERVER:new.host:8080</TOVAL>", S::kNotFound, {}, "", "new.host:8080"},
         // The first envelope; the close marker is searched behind the open one;
         // a lyric keeps its bytes as they came.
-        {"<html><TOVAL>one</TOVAL><TOVAL>two</TOVAL>", cTovalSite::kLyric, {}, "one"},
-        {"</TOVAL><TOVAL>[0]\xC3\xA9\r\n</TOVAL>", cTovalSite::kLyric, {}, "[0]\xC3\xA9\r\n"},
+        {"<html><TOVAL>one</TOVAL><TOVAL>two</TOVAL>", S::kLyric, {}, "one"},
+        {"</TOVAL><TOVAL>[0]\xC3\xA9\r\n</TOVAL>", S::kLyric, {}, "[0]\xC3\xA9\r\n"},
         // Codes are compared whole and case-sensitively.
-        {"<TOVAL>:notfound</TOVAL>", cTovalSite::kFailure, {C::kService, said + "':notfound'"}},
-        {"<TOVAL>:UPDATESERVER:</TOVAL>",
-         cTovalSite::kFailure,
-         {C::kService, said + "':UPDATESERVER:'"}},
-        {"", cTovalSite::kFailure, {C::kBadAnswer, none}},
-        {"<TOVAL></TOVAL>", cTovalSite::kFailure, {C::kBadAnswer, "the service's answer is empty"}},
-        {"<TOVAL>:SUCCESS", cTovalSite::kFailure, {C::kBadAnswer, none}},
-        {"<toval>:SUCCESS</toval>", cTovalSite::kFailure, {C::kBadAnswer, none}},
+        {"<TOVAL>:notfound</TOVAL>", S::kFailure, {C::kService, said + "':notfound'"}},
+        {"<TOVAL>:UPDATESERVER:</TOVAL>", S::kFailure, {C::kService, said + "':UPDATESERVER:'"}},
+        {"", S::kFailure, {C::kBadAnswer, none}},
+        {"<TOVAL></TOVAL>", S::kFailure, {C::kBadAnswer, "the service's answer is empty"}},
+        {"<TOVAL>:SUCCESS", S::kFailure, {C::kBadAnswer, none}},
+        {"<toval>:SUCCESS</toval>", S::kFailure, {C::kBadAnswer, none}},
     };
     for (const auto& c : cases) {
-        const auto answer = cTovalSite::ReadAnswer(c.data);
+        const auto answer = S::ReadAnswer(c.data);
         EXPECT_EQ(answer.result, c.result) << c.data;
         EXPECT_EQ(answer.error, c.error) << c.data;
-        if (c.result == cTovalSite::kLyric) {
+        if (c.result == S::kLyric) {
             EXPECT_EQ(answer.body, c.body);
         }
         EXPECT_EQ(answer.newServer, c.server) << c.data;
@@ -236,29 +243,11 @@ TEST_F(TovalSiteTest, AnswersBecomeOneEventWithTheRequestId) {
     EXPECT_EQ(globals.Settings.conn_Server, u"lyrics.test");
 }
 
-TEST(cTovalSiteMove, UpdateServerWritesTheHostAndSavesTheSettingsGroup) {
-    TempDir dir;
-    cGlobals globals;
-    globals.Settings.conn_Server = u"old.test";
+TEST_F(TovalSiteTest, UpdateServerWritesTheHostAndSavesTheSettingsGroup) {
     globals.Settings.proxy_Port = 3128;
-    FakeShell shell;
-    shell.specialFolder = dir.path().u16string();
-    shell.programFolder = dir.folder();
-    cIniEngine ini;
-    cConfig config(globals, shell, ini);
-    cTovalSite site(globals, &config);
-    auto socket = std::make_shared<FakeSocket>();
-    site.setSocket(socket);
-    site.setTime(std::make_shared<FakeTimer>());
-    std::vector<int32_t> results;
-    site.onToval = [&](int32_t result, int32_t) { results.push_back(result); };
-    cMusic music;
-
     site.Load(music, 2, 2);
-    socket->accept();
-    socket->answer("HTTP/1.0 200 OK\r\n\r\n<TOVAL>:UPDATESERVER:new.example:8080</TOVAL>");
-    socket->hangUp();
-    EXPECT_EQ(results, (std::vector<int32_t>{4}));
+    answer("<TOVAL>:UPDATESERVER:new.example:8080</TOVAL>");
+    EXPECT_EQ(raised.back().result, 4);
     EXPECT_TRUE(site.ServerMoved());
     EXPECT_EQ(globals.Settings.conn_Server, u"new.example:8080");
     const std::u16string file = dir.folder() + u"Toval" + kPathSeparator + u"config.ini";
@@ -266,7 +255,6 @@ TEST(cTovalSiteMove, UpdateServerWritesTheHostAndSavesTheSettingsGroup) {
     EXPECT_EQ(ini.ReadString(file, "toval", "proxy_Port", "", 1024), "3128");
     EXPECT_EQ(ini.ReadString(file, "toval", "pos_WinTop", "missing", 1024), "missing")
         << "the window group is not written";
-
     // The next request goes to the new host and port.
     site.Load(music, 3, 0);
     EXPECT_EQ(socket->connects.back().host, "new.example");

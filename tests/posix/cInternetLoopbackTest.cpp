@@ -1,7 +1,8 @@
 // The HTTP client and the socket adapters against real servers on 127.0.0.1:
 // what the fake socket cannot show (the kernel's pieces, servers that close
-// early or never answer, a port nobody listens on). Each adapter of
-// the Socket and Timer ports runs the same tests: add its harness to Adapters.
+// early, a port nobody listens on); the time-outs are the fake timer's tests.
+// Each adapter of the Socket and Timer ports runs the same tests: add its
+// harness to Adapters.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -76,22 +77,17 @@ class InternetLoopbackTest : public ::testing::Test {
 
 TYPED_TEST_SUITE(InternetLoopbackTest, Adapters);
 
-TYPED_TEST(InternetLoopbackTest, RequestsGoOutToTheByteAndAnswersComeBackWhole) {
+// The bytes of requests and answers are the fake socket's tests; here a big answer comes
+// in the kernel's pieces and arrives whole.
+TYPED_TEST(InternetLoopbackTest, ABigAnswerComesBackWhole) {
     const std::string big(1 << 20, 'z');
     LoopbackServer server(LoopbackServer::Answer("HTTP/1.0 200 OK\r\nX: y\r\n\r\n" + big));
     ASSERT_NE(server.Port(), 0);
     ASSERT_EQ(this->fetch(Url(server.Port(), "/x?y=1")), kInternetSuccess);
     EXPECT_EQ(this->net.Data(), big);
-    this->net.postData(Url(server.Port(), "/post"), 6, "art=A&tit=B");
-    ASSERT_TRUE(this->adapter.RunUntil([&] { return this->states.size() == 2; }, 8000));
-    // The bytes of each request are the fake socket's tests; here they arrive whole.
-    const auto requests = server.Requests();
-    ASSERT_EQ(requests.size(), 2u);
-    EXPECT_TRUE(requests[1].starts_with("POST /post HTTP/1.0\r\n")) << requests[1];
-    EXPECT_TRUE(requests[1].ends_with("Content-Length: 11\r\n\r\nart=A&tit=B")) << requests[1];
 }
 
-TYPED_TEST(InternetLoopbackTest, ServersThatCloseEarlyOrFallSilentFailWithTheirReason) {
+TYPED_TEST(InternetLoopbackTest, ServersThatCloseEarlyFailWithTheirReason) {
     using C = cNetError::Category;
     const struct {
         const char* what;
@@ -103,15 +99,7 @@ TYPED_TEST(InternetLoopbackTest, ServersThatCloseEarlyOrFallSilentFailWithTheirR
         {"closes at once", [](LoopbackServer::Connection&) {}, C::kConnection, C::kBadAnswer},
         {"closes after the request", [](LoopbackServer::Connection& c) { c.ReadRequest(); },
          C::kBadAnswer, C::kBadAnswer},
-        {"falls silent in the answer",
-         [](LoopbackServer::Connection& c) {
-             c.ReadRequest();
-             c.Send("HTTP/1.0 200 OK\r\n\r\nstart");
-             c.WaitForClose(8000);
-         },
-         C::kTimeout, C::kTimeout},
     };
-    this->net.Time()->setInterval(300);
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         LoopbackServer server(c.handler);
@@ -120,14 +108,6 @@ TYPED_TEST(InternetLoopbackTest, ServersThatCloseEarlyOrFallSilentFailWithTheirR
         EXPECT_TRUE(category == c.category || category == c.orElse) << this->net.Error().message;
         EXPECT_EQ(this->net.Data(), "");
     }
-    const int32_t closed = LoopbackServer::ClosedPort();
-    EXPECT_EQ(this->fetch(Url(closed, "/")), kInternetFailure);
-    EXPECT_EQ(this->net.Error().message,
-              "connection refused by 127.0.0.1:" + std::to_string(closed));
-    // Nothing more arrives once every request is answered.
-    const size_t count = this->states.size();
-    this->adapter.RunUntil([] { return false; }, 400);
-    EXPECT_EQ(this->states.size(), count);
 }
 
 // The port's own promises, which every adapter keeps.
