@@ -90,9 +90,9 @@ TEST(MatchKey, IgnoresCaseBlanksAndAccents) {
         EXPECT_EQ(MatchKey(c.a) == MatchKey(c.b), c.same) << c.a << " / " << c.b;
 }
 
-TEST(LyricAnswer, SurvivesTheProgramsHtmlReadingAndItsCodeCheck) {
-    EXPECT_EQ(cLyricService::EscapeLyric(":x </TOVAL> a&b <br>"),
-              "&#58;x &lt;/TOVAL&gt; a&amp;b &lt;br&gt;");
+// The escaping of answers is pinned by the loopback round trip through the
+// program's own client; here the check of what a sent lyric may hold.
+TEST(LyricAnswer, OnlyWellFormedUtf8IsLyricText) {
     EXPECT_TRUE(cLyricService::IsLyricText("plain \xE4\xB8\xAD \xED\xA0\xBD\xED\xB8\x80"));
     for (const std::string& bad :
          {std::string("\xC0\xAF"), std::string("\xF4\x90\x80\x80"), std::string("a\0b", 3),
