@@ -20,14 +20,12 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Win32, IniFileContract, ::testing::Types<WinIniMa
 
 namespace {
 
-TEST(WinIniFileTest, AnUnwritableFileIsAFailureNotACrash) {
-    cWinIniFile ini;
+// The shared contract covers the rest; a read into no room at all is this
+// adapter's own edge (the system call is handed a buffer of size 0).
+TEST(WinIniFileTest, AReadIntoNoRoomGivesNothing) {
     TempDir dir;
-    // A folder where the file should be: nothing can be written there.
-    std::filesystem::create_directories(dir.path() / "config.ini");
-    EXPECT_FALSE(ini.WriteString(dir.file(u"config.ini"), "toval", "key", "1"));
-    EXPECT_EQ(ini.ReadString(dir.file(u"config.ini"), "toval", "key", "d", 64), "d");
-    EXPECT_EQ(ini.ReadString(dir.file(u"config.ini"), "toval", "key", "d", 0), "");
+    dir.Write("config.ini", "[toval]\r\nkey=value\r\n");
+    EXPECT_EQ(cWinIniFile().ReadString(dir.file(u"config.ini"), "toval", "key", "d", 0), "");
 }
 
 TEST(WinShellTest, FoldersAndTheSingleInstanceMark) {
