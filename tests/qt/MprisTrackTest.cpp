@@ -6,6 +6,7 @@
 #include <QDBusObjectPath>
 #include <QStringList>
 #include <limits>
+#include <tuple>
 
 #include "cMprisTrack.h"
 #include "config/cSettings.h"
@@ -18,18 +19,15 @@ namespace toval::test {
 namespace {
 
 TEST(MprisTrack, MetadataTakesTheRightTypesAndLeavesGarbageOut) {
-    QVariantMap good;
-    good["mpris:trackid"] = QVariant::fromValue(QDBusObjectPath("/org/mpv/Track/1"));
-    good["xesam:url"] = "file:///music/a%20b.flac";
-    good["xesam:artist"] = QStringList{"Ann", "Bo"};
-    good["xesam:album"] = "Album";
-    good["xesam:title"] = "Title";
-    good["mpris:length"] = qlonglong{19000000};
-    const cMprisMetadata m = MetadataFromMap(good);
-    EXPECT_EQ(m.trackId, "/org/mpv/Track/1");
-    EXPECT_EQ(m.artist, "Ann, Bo");
-    EXPECT_EQ(m.title, "Title");
-    EXPECT_EQ(m.lengthUs, 19000000);
+    const QVariantMap good{
+        {"mpris:trackid", QVariant::fromValue(QDBusObjectPath("/org/mpv/Track/1"))},
+        {"xesam:url", "file:///music/a%20b.flac"},
+        {"xesam:artist", QStringList{"Ann", "Bo"}},
+        {"xesam:album", "Album"},
+        {"xesam:title", "Title"},
+        {"mpris:length", qlonglong{19000000}}};
+    EXPECT_EQ(MetadataFromMap(good), (cMprisMetadata{"/org/mpv/Track/1", "file:///music/a%20b.flac",
+                                                     "Ann, Bo", "Album", "Title", 19000000}));
 
     // Wrong types: a number for a text, a map for a list, a negative or NaN length.
     QVariantMap bad;
@@ -75,8 +73,10 @@ struct Read {
         plugin.Wakeup();
         EXPECT_TRUE(plugin.updateTag(TagRecord(m)));
     }
-    std::string Utf8(const std::u16string& text) const {
-        return QString::fromStdU16String(text).toStdString();
+    // The path, artist, title and length as the program reads them.
+    auto Fields() const {
+        const cMusic& music = *plugin.Music();
+        return std::tuple(music.FileAddress(), music.Artist(), music.Title(), music.MiliDuration());
     }
 };
 
@@ -87,11 +87,8 @@ TEST(MprisTrack, TagRecordReadsBackThroughThePluginLink) {
     m.album = "";
     m.title = "Harbour Lanterns";
     m.lengthUs = 19'500'999;
-    Read r(m);
-    EXPECT_EQ(r.Utf8(r.plugin.Music()->FileAddress()), "/music/caf\xC3\xA9.flac");
-    EXPECT_EQ(r.Utf8(r.plugin.Music()->Artist()), "Toval Samples");
-    EXPECT_EQ(r.Utf8(r.plugin.Music()->Title()), "Harbour Lanterns");
-    EXPECT_EQ(r.plugin.Music()->MiliDuration(), 19500);
+    EXPECT_EQ(Read(m).Fields(),
+              std::tuple(u"/music/caf\u00e9.flac", u"Toval Samples", u"Harbour Lanterns", 19500));
 
     // Huge fields are cut at a character boundary; a path too long is left out;
     // an unknown length is 0; a stream has no path.
@@ -99,11 +96,8 @@ TEST(MprisTrack, TagRecordReadsBackThroughThePluginLink) {
     m.artist = std::string(1023, 'a') + "\xC3\xA9";  // the 2-byte character would straddle the end
     m.title = std::string(5000, 't');
     m.lengthUs = -1;
-    Read big(m);
-    EXPECT_EQ(big.plugin.Music()->FileAddress(), u"");
-    EXPECT_EQ(big.Utf8(big.plugin.Music()->Artist()), std::string(1023, 'a'));
-    EXPECT_EQ(big.Utf8(big.plugin.Music()->Title()), std::string(1024, 't'));
-    EXPECT_EQ(big.plugin.Music()->MiliDuration(), 0);
+    EXPECT_EQ(Read(m).Fields(),
+              std::tuple(u"", std::u16string(1023, u'a'), std::u16string(1024, u't'), 0));
     m.lengthUs = std::numeric_limits<int64_t>::max();
     EXPECT_EQ(Read(m).plugin.Music()->MiliDuration(), std::numeric_limits<int32_t>::max());
 }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "cLyricService.h"
@@ -90,9 +91,9 @@ TEST(MatchKey, IgnoresCaseBlanksAndAccents) {
         EXPECT_EQ(MatchKey(c.a) == MatchKey(c.b), c.same) << c.a << " / " << c.b;
 }
 
-TEST(LyricAnswer, SurvivesTheProgramsHtmlReadingAndItsCodeCheck) {
-    EXPECT_EQ(cLyricService::EscapeLyric(":x </TOVAL> a&b <br>"),
-              "&#58;x &lt;/TOVAL&gt; a&amp;b &lt;br&gt;");
+// The escaping of answers is pinned by the loopback round trip through the
+// program's own client; here the check of what a sent lyric may hold.
+TEST(LyricAnswer, OnlyWellFormedUtf8IsLyricText) {
     EXPECT_TRUE(cLyricService::IsLyricText("plain \xE4\xB8\xAD \xED\xA0\xBD\xED\xB8\x80"));
     for (const std::string& bad :
          {std::string("\xC0\xAF"), std::string("\xF4\x90\x80\x80"), std::string("a\0b", 3),
@@ -108,19 +109,16 @@ TEST(ServiceArgs, ReadsCommandsAndOptionsAndNamesWhatIsWrong) {
         args.Parse({"serve", "--listen", "0.0.0.0", "--port", "0", "--db", "postgresql://u@h/db",
                     "--announce", "1030002", "--move-to", "new:81", "--sends-per-hour", "0"},
                    error));
-    EXPECT_EQ(args.listen, "0.0.0.0");
-    EXPECT_EQ(args.port, 0);
-    EXPECT_TRUE(args.IsPostgres());
-    EXPECT_EQ(args.options.announceVersion, 1030002);
-    EXPECT_EQ(args.options.moveTo, "new:81");
-    EXPECT_EQ(args.options.sendsPerHour, 0);
+    EXPECT_EQ(std::tuple(args.listen, args.port, args.IsPostgres(), args.options.announceVersion,
+                         args.options.moveTo, args.options.sendsPerHour),
+              std::tuple("0.0.0.0", 0, true, 1030002, "new:81", 0));
 
     cServiceArgs import;
     ASSERT_TRUE(import.Parse({"import", "/music", "--db", "lyrics.db"}, error));
-    EXPECT_EQ(import.command, cServiceArgs::Command::kImport);
-    EXPECT_EQ(import.importDir, "/music");
-    EXPECT_FALSE(import.IsPostgres());
-    EXPECT_TRUE(cServiceArgs().Parse({"--db", "host=/run/pg dbname=l"}, error));
+    EXPECT_EQ(std::tuple(import.command, import.importDir, import.IsPostgres()),
+              std::tuple(cServiceArgs::Command::kImport, "/music", false));
+    cServiceArgs keywords;
+    EXPECT_TRUE(keywords.Parse({"--db", "host=/run/pg dbname=l"}, error) && keywords.IsPostgres());
 
     const struct {
         std::vector<std::string> args;

@@ -15,17 +15,12 @@
 
 #include "Programs.h"
 #include "base/mFile.h"
-#include "cWinPluginChannel.h"
-#include "cWinShell.h"
-#include "config/cSettings.h"
-#include "core/cPlugin.h"
 #include "fMain.h"
 #include "fTray.h"
 #include "fakes/TempDir.h"
 #include "lyric/cLyric.h"
 #include "lyric/cLyricLine.h"
 #include "lyric/cLyricWord.h"
-#include "lyric/cMusic.h"
 #include "posix/FakeLyricService.h"
 
 #if defined(TOVAL_EXE) && defined(TOVAL_DEMO_PLAYER)
@@ -61,17 +56,6 @@ class Evening : public ::testing::Test {
         dir.Write("c.tvl", std::string("[PROPERTY]\r\nTRACKLENGTH:x\0\xFF[9999999999]<", 40) +
                                std::string(5000, '<'));
     }
-    // Starts the demo player and waits for its window.
-    HWND StartDemo() {
-        std::wstring list = L"--paused";
-        for (const wchar_t* name : {L"a", L"b", L"c", L"d"})
-            list += L" " + Quoted(dir.path().wstring() + L"\\" + name + L".flac") + L" \"" +
-                    (name[0] == L'd' ? L"" : L"Toval Samples") + L"\" Samples \"Title " +
-                    std::wstring(1, static_cast<wchar_t>(name[0] - 32)) + L"\" 18000";
-        demo = std::make_unique<Process>(kDemo, list);
-        Eventually([&] { return (player = demo->Window(L"TovalDemoPlayer")) != nullptr; });
-        return player;
-    }
     // The demo player and Toval, with the lyrics service on this machine (it
     // knows no lyric) and these lines added to config.ini; Toval shows track
     // A's lyric.
@@ -83,7 +67,14 @@ class Evening : public ::testing::Test {
         std::ofstream(config / "config.ini", std::ios::binary)
             << "[toval]\r\nconn_Server=" << service.Host() << "\r\n"
             << settings;
-        ASSERT_TRUE(StartDemo());
+        std::wstring list = L"--paused";
+        for (const wchar_t* name : {L"a", L"b", L"c", L"d"})
+            list += L" " + Quoted(dir.path().wstring() + L"\\" + name + L".flac") + L" \"" +
+                    (name[0] == L'd' ? L"" : L"Toval Samples") + L"\" Samples \"Title " +
+                    std::wstring(1, static_cast<wchar_t>(name[0] - 32)) + L"\" 18000";
+        demo = std::make_unique<Process>(kDemo, list);
+        ASSERT_TRUE(
+            Eventually([&] { return (player = demo->Window(L"TovalDemoPlayer")) != nullptr; }));
         toval = std::make_unique<Process>(kToval, L"");
         ASSERT_TRUE(Eventually([&] { return (display = toval->Window(kTrayClass)) != nullptr; }));
         ASSERT_TRUE(Eventually([&] { return SendMessageW(player, kDemoHandler, 0, 0) != 0; }));
@@ -159,7 +150,10 @@ TEST_F(Evening, ATrackWithoutLyricShowsNotFoundAndABrokenFileIsSurvived) {
         [&] { return WindowText(display).find(u"(no lyric found)") != std::u16string::npos; },
         20000));
 
-    // A broken lyric file beside the track is survived.
+    // Tag records of bytes that are no text, of the right size and far too
+    // long, and a broken lyric file beside the track: all survived.
+    SendMessageW(player, kDemoSendGarbage, 3596, 0);
+    SendMessageW(player, kDemoSendGarbage, 100000, 0);
     PostMessageW(player, kDemoTrack, 2, 0);
     Sleep(1500);
     EXPECT_TRUE(toval->Running());
@@ -215,18 +209,12 @@ TEST_F(Evening, TheEditorTimesTypedWordsWithTheArrowKeysWhileThePlayerRuns) {
     const HWND picture = FindWindowExW(edit, nullptr, kEditPictureClass, nullptr);
     SendMessageW(player, kDemoPause, 0, 0);
     const LRESULT from = SendMessageW(player, kDemoPosition, 0, 0);
-    struct Press {
-        WPARAM key;
-        LRESULT line, word;
-    };
-    for (const Press& p : {Press{VK_RIGHT, 0, kUnset}, Press{VK_RIGHT, 0, 0}, Press{VK_RIGHT, 0, 2},
-                           Press{VK_RIGHT, 0, 4}, Press{VK_RIGHT, 0, 6}, Press{VK_RIGHT, 0, 8},
-                           Press{VK_RIGHT, 1, kUnset}, Press{VK_RIGHT, 1, 0}, Press{VK_LEFT, 1, 0},
-                           Press{VK_DOWN, 2, kUnset}}) {
+    for (WPARAM key : {VK_RIGHT, VK_RIGHT, VK_RIGHT, VK_RIGHT, VK_RIGHT, VK_RIGHT, VK_RIGHT,
+                       VK_RIGHT, VK_LEFT, VK_DOWN}) {
         Sleep(150);
-        PostMessageW(picture, WM_KEYDOWN, p.key, 0);
-        EXPECT_TRUE(cursorAt(p.line, p.word)) << p.line << " " << p.word;
+        PostMessageW(picture, WM_KEYDOWN, key, 0);
     }
+    EXPECT_TRUE(cursorAt(2, kUnset));
     const LRESULT to = SendMessageW(player, kDemoPosition, 0, 0);
     Screenshot("editor-2-timing");
 
@@ -314,55 +302,6 @@ TEST_F(Evening, TheEditorTimesTypedWordsWithTheArrowKeysWhileThePlayerRuns) {
     EXPECT_NE(std::wstring(said).find(L"do not name both an artist"), std::wstring::npos);
     PostMessageW(box, WM_COMMAND, IDOK, 0);
     EXPECT_EQ(toval->Window(kEditClass), nullptr);
-}
-
-TEST_F(Evening, TagRecordsOfEverySizeAndGarbageKeepTheLinkAlive) {
-    // This process plays the program's side of the link, with the real adapters.
-    ASSERT_TRUE(StartDemo());
-    cWindow handler;
-    ASSERT_TRUE(handler.Create({.title = L"handler", .style = WS_POPUP}, nullptr));
-    cWinPluginChannel channel(handler.Hwnd());
-    cWinShell shell(L"Local\\TovalProtocolTest");
-    cGlobals globals;
-    cPlugin plugin(globals, channel, shell, nullptr);
-    channel.onMessage = [&](uint32_t message, int64_t wParam, int64_t lParam, std::string_view data,
-                            int64_t& result) {
-        return plugin.ProcessMessage(message, wParam, lParam, data, result);
-    };
-    channel.InstallHook();
-    plugin.setPluginHwnd(channel.FindPluginWindow());
-    ASSERT_EQ(cWinPluginChannel::ToHwnd(plugin.PluginHwnd()), player);
-
-    plugin.Wakeup();
-    EXPECT_EQ(cWinPluginChannel::ToHwnd(plugin.PlayerHwnd()), player);
-    EXPECT_TRUE(plugin.MiliTrackLength());
-    // The player sends the playing track's tag once the wake-up has returned.
-    ASSERT_TRUE(Eventually([&] { return plugin.Music()->Title() == u"Title A"; }));
-    EXPECT_EQ(plugin.Music()->Artist(), u"Toval Samples");
-    EXPECT_EQ(plugin.Music()->MiliDuration(), 18000);
-
-    SendMessageW(player, kDemoSeek, 7777, 0);
-    EXPECT_EQ(plugin.Update(), 7777);
-    EXPECT_EQ(globals.PlayPosition, 7777);
-    EXPECT_TRUE(plugin.Alive());
-
-    // Only a record of exactly 3596 bytes is taken.
-    for (WPARAM size : {3595, 3597, 0, 1, 65536}) {
-        SendMessageW(player, kDemoSendRecord, size, 1);
-        EXPECT_EQ(plugin.Music()->Title(), u"Title A") << size;
-    }
-    SendMessageW(player, kDemoSendRecord, 3596, 1);
-    EXPECT_EQ(plugin.Music()->Title(), u"Title B");
-    // Bytes that are no UTF-8 and no zero anywhere: taken, and nothing breaks.
-    SendMessageW(player, kDemoSendGarbage, 3596, 0);
-    SendMessageW(player, kDemoSendGarbage, 100000, 0);
-    EXPECT_TRUE(plugin.Alive());
-
-    // Without a core the ping is swallowed.
-    int64_t result = -1;
-    EXPECT_TRUE(plugin.ProcessMessage(WM_USER, 0, 4, {}, result));
-    EXPECT_EQ(result, 0);
-    channel.RemoveHook();
 }
 
 TEST(StartUp, WithoutThePlayerTheProgramSaysSoOrStaysSilentAfterInstall) {

@@ -63,7 +63,6 @@ class Process {
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
-    bool Started() const { return info_.hProcess != nullptr; }
     DWORD Id() const { return info_.dwProcessId; }
     bool Running() const {
         return info_.hProcess && WaitForSingleObject(info_.hProcess, 0) == WAIT_TIMEOUT;
@@ -72,31 +71,22 @@ class Process {
     bool WaitForExit(DWORD ms) const {
         return info_.hProcess && WaitForSingleObject(info_.hProcess, ms) == WAIT_OBJECT_0;
     }
-    // A visible or hidden top-level window of the process with this class
-    // (any class when empty) and, when given, this title.
-    HWND Window(const wchar_t* className, const wchar_t* title = nullptr) const {
+    // A visible or hidden top-level window of the process with this class.
+    HWND Window(const wchar_t* className) const {
         struct Search {
             DWORD pid;
             const wchar_t* cls;
-            const wchar_t* title;
             HWND found;
-        } search{info_.dwProcessId, className, title, nullptr};
+        } search{info_.dwProcessId, className, nullptr};
         // A named callback: a lambda has no stdcall conversion on 32-bit Windows.
         struct Visit {
             static BOOL CALLBACK Each(HWND hwnd, LPARAM param) {
                 auto* s = reinterpret_cast<Search*>(param);
                 DWORD pid = 0;
                 GetWindowThreadProcessId(hwnd, &pid);
-                if (pid != s->pid) return TRUE;
-                wchar_t text[256] = {};
-                if (s->cls) {
-                    GetClassNameW(hwnd, text, 256);
-                    if (std::wstring(text) != s->cls) return TRUE;
-                }
-                if (s->title) {
-                    GetWindowTextW(hwnd, text, 256);
-                    if (std::wstring(text) != s->title) return TRUE;
-                }
+                wchar_t cls[256] = {};
+                GetClassNameW(hwnd, cls, 256);
+                if (pid != s->pid || std::wstring(cls) != s->cls) return TRUE;
                 s->found = hwnd;
                 return FALSE;
             }
