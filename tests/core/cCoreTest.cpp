@@ -72,6 +72,58 @@ TEST(cCore, NewTrackIsLookedUpOnTheNextTickAndPlayed) {
     }
 }
 
+TEST(cCore, TheTrackChangesWhileItsLyricIsLoading) {
+    Rig w;
+    auto& fake = w.fake;
+    w.timer.tick();
+    w.channel.playlistPosition = 1;
+    w.channel.CopyData(FakePluginChannel::TagRecord("/a.mp3", "A", "", "One", 1000));
+    w.At(0);
+    EXPECT_EQ(fake->loads, (std::vector<int32_t>{1}));
+
+    // The player moves on before the answer comes.
+    w.channel.playlistPosition = 2;
+    w.channel.CopyData(FakePluginChannel::TagRecord("/b.mp3", "B", "", "Two", 1000));
+    fake->text = u"[10]lyric of one";
+    w.display.Take();
+    fake->Answer(1, kLyricLocal);
+    EXPECT_EQ(w.display.Take(), (Texts{"Clear"}));
+    EXPECT_FALSE(w.core->LyricActive());
+
+    // The lookup restarts for the new track on the next tick.
+    w.At(5);
+    EXPECT_EQ(fake->loads, (std::vector<int32_t>{1, 2}));
+
+    // A track announced while the answer is being taken in (the controller
+    // pumps messages there): the answer is still shown, and the new track's
+    // lookup waits until the service's answer for the old track is dropped.
+    w.shell.onDoEvents = [&] {
+        w.shell.onDoEvents = nullptr;
+        w.channel.playlistPosition = 3;
+        w.channel.CopyData(FakePluginChannel::TagRecord("/c.mp3", "C", "", "Three", 1000));
+    };
+    fake->text = u"[10]lyric of two";
+    w.display.Take();
+    fake->Answer(2, kLyricLocal);
+    EXPECT_EQ(w.display.Take(), (Texts{"Clear", "Lyric", "Music"}));
+    EXPECT_TRUE(w.core->LyricActive());
+    EXPECT_TRUE(w.core->LoadPending());
+    ASSERT_EQ(fake->loadFroms.size(), 1u);
+    EXPECT_EQ(fake->loadFroms[0].requestId, 2);
+    w.At(5);
+    EXPECT_EQ(fake->loads, (std::vector<int32_t>{1, 2}));
+    fake->Answer(2, kLyricFromService);
+    EXPECT_FALSE(w.core->LyricActive());
+
+    fake->text = u"[10]lyric of three";
+    fake->answerOnLoad = kLyricFromService;
+    auto [calls, painted] = w.At(5);
+    EXPECT_EQ(fake->loads, (std::vector<int32_t>{1, 2, 3}));
+    EXPECT_EQ(calls, (Texts{"Lyric", "Music"}));
+    EXPECT_EQ(painted, (Texts{"lyric of three/101/u"}));
+    EXPECT_EQ(w.At(10).first, (Texts{"Choose 0 -2147483648"}));
+}
+
 TEST(cCore, SlowDownNoticesStepTheIntervalUp) {
     Rig r;
     r.timer.tick();

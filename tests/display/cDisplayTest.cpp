@@ -75,6 +75,10 @@ TEST(cDisplay, ChooseTextRepaintsOnlyWhatChanged) {
     EXPECT_EQ(d.Choose(kUnset, kUnset), (Strings{"one /101", "two /101", "three/101"}));
     EXPECT_EQ(d.Current(), std::pair(kUnset, kUnset));
     EXPECT_EQ(d.Choose(kUnset, kUnset), Strings{});
+    // With the title underlined, only the first line is.
+    d.globals.Settings.font_UnderlineTitle = true;
+    EXPECT_EQ(d.Choose(0, kUnset), (Strings{"Title/102/u"}));
+    EXPECT_EQ(d.Choose(3, kUnset), (Strings{"Title/101/u", "Tom & Jerry/102"}));
 }
 
 TEST(cDisplay, EveryRepaintErasesItsBoxAndDrawsUnprefixedCentredText) {
