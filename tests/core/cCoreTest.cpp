@@ -145,24 +145,21 @@ TEST(cCore, SlowDownNoticesStepTheIntervalUp) {
 }
 
 TEST(cCore, StoppedForgetsTheTrackAndShowsTheUpdateNoticeOnce) {
-    struct Case {
-        int32_t newest, lastShown;
-        bool notice;
-    };
-    const Case cases[] = {{1030001, 0, false}, {1030002, 1030002, false}, {2000000, 1030002, true}};
-    for (const Case& c : cases) {
+    // The notice: only for a version newer than this one and not yet shown.
+    for (const auto& [newest, lastShown, notice] :
+         {std::tuple{1030001, 0, false}, {1030002, 1030002, false}, {2000000, 1030002, true}}) {
         Rig r;
         r.globals.Settings.conn_Server = u"lyrics.example";
-        r.globals.lastUpdateVersion = c.newest;
-        r.globals.Settings.version_LastShow = c.lastShown;
+        r.globals.lastUpdateVersion = newest;
+        r.globals.Settings.version_LastShow = lastShown;
         r.Playing(5, u"[1000]a");
         r.display.Take();
         r.core->PluginEvent(kEventStopped);
         EXPECT_EQ(r.State(), "on 20 alive");
         Texts expected{"Clear"};
-        if (c.notice) expected.push_back("Lyric");
-        EXPECT_EQ(r.display.Take(), expected) << c.newest;
-        if (!c.notice) continue;
+        if (notice) expected.push_back("Lyric");
+        EXPECT_EQ(r.display.Take(), expected) << newest;
+        if (!notice) continue;
         EXPECT_EQ(r.display.Lyric()->URL(), u"http://lyrics.example/?page=download");
         EXPECT_EQ(r.display.Lyric()->GetLine(0)->Text(), u"TovalNewVersion");
 
@@ -175,9 +172,9 @@ TEST(cCore, StoppedForgetsTheTrackAndShowsTheUpdateNoticeOnce) {
         r.display.Click();
         EXPECT_EQ(r.shell.links,
                   (std::vector<std::u16string>{u"http://lyrics.example/?page=download"}));
-        EXPECT_EQ(saved, (std::vector<int32_t>{c.newest}));
+        EXPECT_EQ(saved, (std::vector<int32_t>{newest}));
         EXPECT_EQ(std::pair(r.globals.Settings.version_LastShow, !r.display.Lyric()),
-                  std::pair(c.newest, true));
+                  std::pair(newest, true));
         r.display.Take();
         r.channel.Notice(1);  // stopped again
         EXPECT_EQ(r.display.Take(), (Texts{"Clear"}));
