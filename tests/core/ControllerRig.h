@@ -1,10 +1,9 @@
 // The controller wired as the program wires it, on fakes: the plug-in link
 // over a scripted channel, the display on a recording surface, a manual timer
-// and a lyric lookup that answers when told (or any other lookup). Shared by
+// and a lyric lookup that answers when told. Shared by
 // the tests, the benchmark and the fuzz target.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -47,8 +46,6 @@ class RecordingDisplay : public cDisplay {
 };
 
 struct ControllerRig {
-    using SourceMaker = std::function<std::shared_ptr<iLyricSource>(ControllerRig&)>;
-
     cGlobals globals;
     FakeShell shell;
     FakeRandom random{{0.5}};
@@ -64,16 +61,13 @@ struct ControllerRig {
     std::shared_ptr<cCore> core;
     int closes = 0;
 
-    // makeSource: another lookup instead of the scripted one.
-    explicit ControllerRig(const SourceMaker& makeSource = nullptr) {
+    ControllerRig() {
         globals.Settings.color_Backround = 100;
         globals.Settings.color_BackText = 101;
         globals.Settings.color_NormalText = 102;
         globals.Settings.color_HighlighText = 103;
         display.Load();
-        std::shared_ptr<iLyricSource> source = fake;
-        if (makeSource) source = makeSource(*this);
-        core = std::make_shared<cCore>(globals, shell, random, source,
+        core = std::make_shared<cCore>(globals, shell, random, fake,
                                        [](std::u16string_view k) { return std::u16string(k); });
         core->setTray(&display);
         core->setAuxPictureBox(&measure);

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
+#include <algorithm>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -62,32 +62,23 @@ struct Program {
     }
 };
 
-TEST(cMainLogic, ASecondInstanceEndsSilently) {
-    Program p;
-    p.shell.prevInstance = true;
-    EXPECT_FALSE(p.main->Form_Load(u"12345"));
-    EXPECT_EQ(p.log, (std::vector<std::string>{"quit"}));
-    EXPECT_EQ(std::tuple(p.shell.doEvents, p.channel.findCalls, p.shell.boxes.size()),
-              std::tuple(1, 0, 0u));
-}
-
 TEST(cMainLogic, CommandLineDecidesHowOftenThePluginIsSought) {
     struct Case {
         std::u16string command;
         int searches;
-        bool message;
+        bool message, second;
     };
     const Case cases[] = {
-        {u"", 1, true},
-        {u"InStAlL", 7, false},
-        {u"INSTALLED", 1, true},
-        {u"0", 1, true},  // handle 0 is no window: sought once
+        {u"", 1, true, false},      {u"InStAlL", 7, false, false}, {u"INSTALLED", 1, true, false},
+        {u"0", 1, true, false},      // handle 0 is no window: sought once
+        {u"12345", 0, false, true},  // a second instance ends silently
     };
     for (const Case& c : cases) {
         Program p;
+        p.shell.prevInstance = c.second;
         EXPECT_FALSE(p.main->Form_Load(c.command));
         EXPECT_EQ(p.channel.findCalls, c.searches);
-        EXPECT_EQ(p.shell.sleeps, std::vector<int32_t>(c.searches - 1, 2000));
+        EXPECT_EQ(p.shell.sleeps, std::vector<int32_t>(std::max(c.searches - 1, 0), 2000));
         const FakeShell::Box box{u"No player found", u"Attention", kMbIconExclamation};
         EXPECT_EQ(p.shell.boxes, c.message ? std::vector{box} : std::vector<FakeShell::Box>{});
         EXPECT_EQ(p.log, (std::vector<std::string>{"quit"}));
@@ -103,7 +94,7 @@ TEST(cMainLogic, CommandLineDecidesHowOftenThePluginIsSought) {
     EXPECT_EQ(late.main->Plugin()->PluginHwnd(), 0x55);
 }
 
-TEST(cMainLogic, ANumericCommandLineIsThePluginWindow) {
+TEST(cMainLogic, ANumericCommandLineIsThePluginWindowAndTheProgramKeepsAnErrorLog) {
     Program p;
     p.globals.Settings.window_mode = 1;
     EXPECT_TRUE(p.main->Form_Load(u"305419896"));
@@ -123,11 +114,8 @@ TEST(cMainLogic, ANumericCommandLineIsThePluginWindow) {
     EXPECT_TRUE(p.main->Core()->PluginAlive());
     // Notices now reach the core through the hook.
     EXPECT_EQ(p.channel.Notice(4), 1);
-}
 
-TEST(cMainLogic, FailuresGoToErrorLogInTheProgramFolderWhileTheProgramRuns) {
-    Program p;
-    ASSERT_TRUE(p.main->Form_Load(u"77"));
+    // Failures go to Error.log in the program folder while the program runs.
     ErrorTrail({"cThing.Work", "broken"});
     EXPECT_NE(p.dir.Read("Error.log").find(" - cThing.Work ; broken\r\n"), std::string::npos);
     p.main.reset();

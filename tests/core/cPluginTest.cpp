@@ -13,7 +13,6 @@ namespace toval::test {
 namespace {
 
 using Ints = std::vector<int32_t>;
-using namespace std::string_literals;
 
 // A controller that only records the events it receives.
 class RecordingCore : public cCore {
@@ -88,22 +87,6 @@ TEST(cPlugin, ProcessMessageFollowsTheTable) {
         EXPECT_EQ(std::tuple(l.recorder->events, l.closes), std::tuple(row.events, row.closes))
             << row.code;
     }
-}
-
-TEST(cPlugin, TagRecordOfAnyOtherSizeIsRefused) {
-    Link l;
-    l.plugin.Music()->setTitle(u"kept");
-    const std::string good = FakePluginChannel::TagRecord("x.mp3", "A", "B", "T", 5);
-    for (size_t size : {size_t{3595}, size_t{3597}}) {
-        std::string block = good;
-        block.resize(size, 'x');
-        EXPECT_EQ(l.Send(kWmCopyData, 0, block), 0);
-    }
-    EXPECT_EQ(std::tuple(l.plugin.Music()->Title(), l.recorder->events),
-              std::tuple(u"kept"s, Ints{}));
-    EXPECT_EQ(l.Send(kWmCopyData, 0, good), 0);
-    EXPECT_EQ(std::tuple(l.plugin.Music()->Title(), l.recorder->events),
-              std::tuple(u"T"s, Ints{kEventNewTrack}));
 }
 
 TEST(cPlugin, TagFieldsAreDecodedTrimmedAndCut) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -17,12 +18,20 @@ namespace {
 
 using Strings = std::vector<std::string>;
 
+// Measuring runs a turn of the message loop; a test may act in that turn.
+struct LoopingMeasure : FakeMeasureSurface {
+    std::function<void()> turn;
+    void DoEvents() override {
+        if (const auto once = std::exchange(turn, nullptr)) once();
+    }
+};
+
 // Colour slots 0..3 hold 100..103, so a painted "/102" reads "slot 2".
 struct Display {
     cGlobals globals;
     FakeDrawSurface surface;
     FakeShell shell;
-    FakeMeasureSurface measure{10, 16};
+    LoopingMeasure measure;
     cDisplay display{globals, surface, shell};
 
     explicit Display(std::u16string_view text =
@@ -36,11 +45,14 @@ struct Display {
         globals.Settings.color_HighlighText = 103;
         globals.Settings.font_UnderlineTitle = false;
         display.Load();
+        display.setLyric(LyricOf(text));
+        surface.clear();
+    }
+    std::shared_ptr<cLyric> LyricOf(std::u16string_view text) {
         auto lyric = std::make_shared<cLyric>();
         lyric->setAuxPictureBox(&measure);
         lyric->setLoad(text);
-        display.setLyric(lyric);
-        surface.clear();
+        return lyric;
     }
     // The texts that one ChooseText painted.
     Strings Choose(int32_t line, int32_t word) {
@@ -75,6 +87,10 @@ TEST(cDisplay, ChooseTextRepaintsOnlyWhatChanged) {
     EXPECT_EQ(d.Choose(kUnset, kUnset), (Strings{"one /101", "two /101", "three/101"}));
     EXPECT_EQ(d.Current(), std::pair(kUnset, kUnset));
     EXPECT_EQ(d.Choose(kUnset, kUnset), Strings{});
+    // With the title underlined, only the first line is.
+    d.globals.Settings.font_UnderlineTitle = true;
+    EXPECT_EQ(d.Choose(0, kUnset), (Strings{"Title/102/u"}));
+    EXPECT_EQ(d.Choose(3, kUnset), (Strings{"Title/101/u", "Tom & Jerry/102"}));
 }
 
 TEST(cDisplay, EveryRepaintErasesItsBoxAndDrawsUnprefixedCentredText) {
@@ -105,6 +121,23 @@ TEST(cDisplay, MissingPiecesAreSkippedButTheStateMoves) {
     // Line 3 has no words: word 0 of it is nothing.
     EXPECT_EQ(d.Choose(3, 0), (Strings{"Tom & Jerry/102"}));
     EXPECT_EQ(d.Current(), std::pair(3, 0));
+}
+
+// The full redraw measures the lyric: a player that closes in that turn of
+// the message loop clears the display under the redraw's feet.
+TEST(cDisplay, ALyricClearedOrReplacedWhileMeasuringIsNotDrawn) {
+    Display d;
+    const auto gone = d.LyricOf(u"[1000]gone");
+    d.measure.turn = [&] { d.display.Clear(); };
+    d.display.setLyric(gone);
+    EXPECT_EQ(d.display.Lyric(), nullptr);
+    EXPECT_TRUE(d.surface.Painted().empty());
+
+    const auto newer = d.LyricOf(u"[1000]newer"), older = d.LyricOf(u"[1000]older");
+    d.measure.turn = [&] { d.display.setLyric(newer); };
+    d.display.setLyric(older);
+    EXPECT_EQ(d.display.Lyric(), newer);
+    EXPECT_EQ(d.surface.Painted(), (Strings{"newer/101"}));
 }
 
 }  // namespace

@@ -18,7 +18,6 @@
 #include "fakes/FakeTimer.h"
 #include "lyric/cLyric.h"
 #include "lyric/cLyricLine.h"
-#include "lyric/cLyricWord.h"
 #include "lyric/cMusic.h"
 #include "lyric/cTime.h"
 
@@ -59,16 +58,7 @@ class EditorTest : public ::testing::Test {
 
     // The whole lyric as line records, every time in place.
     std::u16string Records() const { return editor.Lyric()->Load(); }
-    // Times: the line's own and, per word, the word's.
     std::shared_ptr<cLyricLine> Line(int32_t l) { return editor.Lyric()->GetLine(l); }
-    std::shared_ptr<cLyricWord> Word(int32_t l, int32_t w) { return Line(l)->GetWord(w); }
-    template <class Element>
-    static std::vector<int32_t> Times(const std::shared_ptr<Element>& e) {
-        std::vector<int32_t> out;
-        for (int32_t i = 0; i < e->GetTimeSize(); ++i)
-            out.push_back(e->GetTime(i)->Time());
-        return out;
-    }
 
     // Presses a key with the player at a position.
     void Press(int32_t key, int32_t position) {

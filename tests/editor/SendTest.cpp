@@ -9,6 +9,8 @@
 namespace toval::test {
 namespace {
 
+using Boxes = std::vector<FakeEditorView::Box>;
+
 class SendTest : public EditorTest {
   protected:
     void SetUp() override {
@@ -51,15 +53,12 @@ TEST_F(SendTest, TheServicesAnswerReachesTheUserAndHoldsTheWindowOpenMeanwhile) 
         bool cancel = false;
         editor.Form_Unload(cancel);  // refused while the answer is awaited
         EXPECT_TRUE(cancel);
-        // A stale answer is ignored.
-        site->onToval(1, -12345);
-        EXPECT_TRUE(editor.Sending());
+        site->onToval(1, -12345);  // a stale answer is ignored
         answer();
-        ASSERT_FALSE(view.boxes.empty());
-        EXPECT_EQ(view.boxes.back(), (FakeEditorView::Box{text, title, flags}));
-        EXPECT_FALSE(editor.Sending());
+        EXPECT_EQ(view.boxes, (Boxes{{text, title, flags}}));
+        view.boxes.clear();
         EXPECT_TRUE(view.enabled[eEditorControl::cmdInternet]);
-        EXPECT_TRUE(editor.Sent());  // since the first answer
+        EXPECT_EQ(std::pair(editor.Sending(), editor.Sent()), std::pair(false, true));
     }
     EXPECT_NE(socket->sent.find("tvl_insert.php"), std::string::npos);
     EXPECT_NE(socket->sent.find("%3C1200%3E"), std::string::npos);  // the word time

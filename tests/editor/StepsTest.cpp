@@ -12,7 +12,6 @@
 namespace toval::test {
 namespace {
 
-using Ints = std::vector<int32_t>;
 using Boxes = std::vector<FakeEditorView::Box>;
 
 class StepsTest : public EditorTest {};
@@ -91,7 +90,8 @@ TEST_F(StepsTest, LoadReadsAFileIntoTextBoxAndLyric) {
               std::tuple(u"\u05D0 \u05D1\r\nsecond\r\n", true, true));
     // The loaded lyric keeps its times into the timing step.
     editor.cmdNext_Click();
-    EXPECT_EQ(std::pair(Times(Word(0, 1)), editor.Lyric()->Mutation()), std::pair(Ints{1500}, 77));
+    EXPECT_EQ(Records(), u"[1000]<1000>\u05D0 <1500>\u05D1\r\n[2000]second\r\n");
+    EXPECT_EQ(editor.Lyric()->Mutation(), 77);
     // Once the text is edited, it is converted again.
     editor.cmdBack_Click();
     editor.txtEdit_Change(view.editText + u"third line");
