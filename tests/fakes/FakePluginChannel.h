@@ -1,11 +1,9 @@
 // A scripted player plug-in behind the PluginChannel port: answers every
-// command from fields (or from `script` when set), records what was sent, and
-// delivers the plug-in's notices and tag records to the hooked handler.
+// command from fields, records what was sent, and delivers the plug-in's
+// notices and tag records to the hooked handler.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,12 +21,11 @@ class FakePluginChannel : public PluginChannel {
 
     int32_t SendCommand(int32_t window, int32_t command, int32_t argument) override {
         sent.push_back({window, command, argument});
-        if (script) return script(window, command, argument);
         if (dead) return 0;
         const std::pair<int32_t, int32_t> answers[] = {
             {kCmdRegister, registerAnswer},      {kCmdPosition, position},
-            {kCmdPlaylistPos, playlistPosition}, {kCmdAlive, alive ? 1 : 0},
-            {kCmdPlayerWindow, playerWindow},    {kCmdLengthUnit, lengthUnit}};
+            {kCmdPlaylistPos, playlistPosition}, {kCmdAlive, 1},
+            {kCmdPlayerWindow, 0x777},           {kCmdLengthUnit, lengthUnit}};
         for (const auto& [code, answer] : answers)
             if (code == command) return answer;
         return 0;
@@ -39,7 +36,7 @@ class FakePluginChannel : public PluginChannel {
     }
     void InstallHook() override { ++installs; }
     void RemoveHook() override { ++removes; }
-    int32_t HandlerWindow() override { return handlerWindow; }
+    int32_t HandlerWindow() override { return 0x1234; }
     void AllowUserMessages() override { ++filterCalls; }
 
     // The plug-in sends WM_USER with lParam = code to the handler window.
@@ -64,36 +61,14 @@ class FakePluginChannel : public PluginChannel {
         return n;
     }
 
-    // A tag record as the plug-in builds it: zero-padded UTF-8 fields.
-    static std::string TagRecord(const std::string& path, const std::string& artist,
-                                 const std::string& album, const std::string& title,
-                                 int32_t length) {
-        std::string block(kTagRecordSize, '\0');
-        const auto put = [&](size_t offset, size_t width, const std::string& text) {
-            block.replace(offset, std::min(width, text.size()), text.substr(0, width));
-        };
-        put(kTagPathOffset, kTagPathSize, path);
-        put(kTagArtistOffset, kTagArtistSize, artist);
-        put(kTagAlbumOffset, kTagAlbumSize, album);
-        put(kTagTitleOffset, kTagTitleSize, title);
-        const auto bits = static_cast<uint32_t>(length);
-        for (size_t k = 0; k < 4; ++k)
-            block[kTagLengthOffset + k] = static_cast<char>((bits >> (8 * k)) & 0xFF);
-        return block;
-    }
-
     // Answers.
-    std::function<int32_t(int32_t, int32_t, int32_t)> script;
     bool dead = false;  // a window that is gone answers 0 to everything
     int32_t registerAnswer = 1;
     int32_t position = 0;
     int32_t playlistPosition = 0;
-    bool alive = true;
-    int32_t playerWindow = 0x777;
     int32_t lengthUnit = 1;
     int32_t windowToFind = 0;
     int foundOnCall = 1;
-    int32_t handlerWindow = 0x1234;
 
     // Records.
     std::vector<Sent> sent;
