@@ -31,7 +31,7 @@ class IniFileContract : public ::testing::Test {
 
 TYPED_TEST_SUITE_P(IniFileContract);
 
-TYPED_TEST_P(IniFileContract, MissingFileSectionOrKeyGivesTheDefault) {
+TYPED_TEST_P(IniFileContract, MissingValuesGiveTheDefaultAndTheBufferCutsLongOnes) {
     EXPECT_EQ(this->Read("toval", "key"), "DEF");
     EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(this->file)));
 
@@ -41,6 +41,12 @@ TYPED_TEST_P(IniFileContract, MissingFileSectionOrKeyGivesTheDefault) {
     EXPECT_EQ(this->Read("other", "missing", ""), "");
     // The default loses its trailing blanks, as with the system call.
     EXPECT_EQ(this->Read("other", "missing", " d  "), " d");
+    EXPECT_EQ(this->Read("other", "missing", "defaults", 4), "def");
+
+    this->Put("[toval]\r\nlong=" + std::string(3000, 'v') + "\r\nshort=abc\r\n");
+    EXPECT_EQ(this->Read("toval", "long"), std::string(1023, 'v'));
+    EXPECT_EQ(this->Read("toval", "short", "", 3), "ab");
+    EXPECT_EQ(this->Read("toval", "short", "", 1), "");
 }
 
 TYPED_TEST_P(IniFileContract, NamesIgnoreCaseAndBlanksValuesLoseBlanksAndOneQuotePair) {
@@ -80,15 +86,6 @@ TYPED_TEST_P(IniFileContract, NamesIgnoreCaseAndBlanksValuesLoseBlanksAndOneQuot
     EXPECT_EQ(this->Read("toval", "again"), "DEF");
 }
 
-TYPED_TEST_P(IniFileContract, TheBufferCutsLongValues) {
-    const std::string longValue(3000, 'v');
-    this->Put("[toval]\r\nlong=" + longValue + "\r\nshort=abc\r\n");
-    EXPECT_EQ(this->Read("toval", "long"), std::string(1023, 'v'));
-    EXPECT_EQ(this->Read("toval", "short", "", 3), "ab");
-    EXPECT_EQ(this->Read("toval", "short", "", 1), "");
-    EXPECT_EQ(this->Read("toval", "missing", "defaults", 4), "def");
-}
-
 TYPED_TEST_P(IniFileContract, WritingCreatesOrReplacesOneValueAndKeepsEveryOtherKey) {
     ASSERT_TRUE(this->ini->WriteString(this->file, "toval", "window_mode", "2"));
     EXPECT_EQ(this->dir.Read("config.ini"), "[toval]\r\nwindow_mode=2\r\n");
@@ -126,9 +123,8 @@ TYPED_TEST_P(IniFileContract, AnUnwritableFileIsReportedAndChangesNothing) {
     EXPECT_TRUE(std::filesystem::is_directory(std::filesystem::path(this->file)));
 }
 
-REGISTER_TYPED_TEST_SUITE_P(IniFileContract, MissingFileSectionOrKeyGivesTheDefault,
+REGISTER_TYPED_TEST_SUITE_P(IniFileContract, MissingValuesGiveTheDefaultAndTheBufferCutsLongOnes,
                             NamesIgnoreCaseAndBlanksValuesLoseBlanksAndOneQuotePair,
-                            TheBufferCutsLongValues,
                             WritingCreatesOrReplacesOneValueAndKeepsEveryOtherKey,
                             AnUnwritableFileIsReportedAndChangesNothing);
 
