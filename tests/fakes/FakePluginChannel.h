@@ -3,6 +3,7 @@
 // notices and tag records to the hooked handler.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -41,17 +42,9 @@ class FakePluginChannel : public PluginChannel {
 
     // The plug-in sends WM_USER with lParam = code to the handler window.
     // Returns the result, or -1 when the handler did not take the message.
-    int64_t Notice(int64_t code) {
-        int64_t result = -1;
-        if (!onMessage || !onMessage(kWmUser, 0, code, {}, result)) return -1;
-        return result;
-    }
+    int64_t Notice(int64_t code) { return Deliver(kWmUser, code, {}); }
     // The plug-in sends a WM_COPYDATA block.
-    int64_t CopyData(const std::string& block) {
-        int64_t result = -1;
-        if (!onMessage || !onMessage(kWmCopyData, 0, 0, block, result)) return -1;
-        return result;
-    }
+    int64_t CopyData(const std::string& block) { return Deliver(kWmCopyData, 0, block); }
 
     // The commands sent so far with the given code.
     int Count(int32_t command) const {
@@ -59,6 +52,24 @@ class FakePluginChannel : public PluginChannel {
         for (const Sent& s : sent)
             n += s.command == command ? 1 : 0;
         return n;
+    }
+
+    // A tag record as the plug-in builds it: zero-padded UTF-8 fields.
+    static std::string TagRecord(const std::string& path, const std::string& artist,
+                                 const std::string& album, const std::string& title,
+                                 int32_t length) {
+        std::string block(kTagRecordSize, '\0');
+        const auto put = [&](size_t offset, size_t width, const std::string& text) {
+            block.replace(offset, std::min(width, text.size()), text.substr(0, width));
+        };
+        put(kTagPathOffset, kTagPathSize, path);
+        put(kTagArtistOffset, kTagArtistSize, artist);
+        put(kTagAlbumOffset, kTagAlbumSize, album);
+        put(kTagTitleOffset, kTagTitleSize, title);
+        const auto bits = static_cast<uint32_t>(length);
+        for (size_t k = 0; k < 4; ++k)
+            block[kTagLengthOffset + k] = static_cast<char>((bits >> (8 * k)) & 0xFF);
+        return block;
     }
 
     // Answers.
@@ -76,6 +87,13 @@ class FakePluginChannel : public PluginChannel {
     int installs = 0;
     int removes = 0;
     int filterCalls = 0;
+
+  private:
+    int64_t Deliver(uint32_t message, int64_t lParam, const std::string& block) {
+        int64_t result = -1;
+        if (!onMessage || !onMessage(message, 0, lParam, block, result)) return -1;
+        return result;
+    }
 };
 
 }  // namespace toval::test
