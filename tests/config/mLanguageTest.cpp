@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <optional>
 #include <tuple>
@@ -72,7 +71,7 @@ class mLanguageTest : public ::testing::Test {
 
     void UseFile(const std::string& content) {
         globals.LanguageFile = dir.file(u"test.ini");
-        std::ofstream(std::filesystem::path(globals.LanguageFile), std::ios::binary) << content;
+        dir.Write("test.ini", content);
     }
 };
 

@@ -5,13 +5,9 @@
 #include <array>
 #include <tuple>
 
-#include "base/mFile.h"
-#include "base/mString.h"
 #include "fakes/CapturedTrail.h"
 #include "fakes/FakeMeasureSurface.h"
 #include "fakes/FakeRandom.h"
-#include "fakes/TempDir.h"
-#include "lyric/cMusic.h"
 #include "lyric/mLrcForm.h"
 
 namespace toval {
