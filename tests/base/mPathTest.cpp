@@ -16,13 +16,6 @@ namespace fs = std::filesystem;
 
 const std::u16string kSep(1, kPathSeparator);
 
-TEST(mPath, AddPathSeparatorAddsOneOnlyWhenMissing) {
-    EXPECT_EQ(AddPathSeparator(u""), kSep);
-    EXPECT_EQ(AddPathSeparator(u"a"), u"a" + kSep);
-    EXPECT_EQ(AddPathSeparator(u"a" + kSep), u"a" + kSep);
-    EXPECT_EQ(AddPathSeparator(u"a" + kSep + kSep), u"a" + kSep + kSep);
-}
-
 TEST(mPath, SpecialFolderGetsItsOwnSubfolderMadeOnceOrFallsBackToTheProgramFolder) {
     test::TempDir system, program;
     test::FakeShell shell;

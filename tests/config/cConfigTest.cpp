@@ -73,13 +73,6 @@ TEST_F(cConfigTest, AMissingFileLoadsEveryDefaultWithTheWindowsCentred) {
     EXPECT_EQ(globals.Settings, expected);
     EXPECT_EQ(globals.LanguageFile, globals.ProgramFolder + u"enus.ini");
     EXPECT_FALSE(std::filesystem::exists(ConfigPath()));
-
-    // A screen smaller than the window gives negative positions, still centred.
-    for (auto [width, left] : {std::pair{4799, 0}, {4797, -2}}) {  // -0.5 -> 0, -1.5 -> -2
-        shell.screenWidth = width;
-        config.Load(false);
-        EXPECT_EQ(globals.Settings.pos_WinLeft, left);
-    }
 }
 
 TEST_F(cConfigTest, ValuesThatDoNotConvertLeaveTheirFieldAndLoadingGoesOn) {
@@ -87,8 +80,9 @@ TEST_F(cConfigTest, ValuesThatDoNotConvertLeaveTheirFieldAndLoadingGoesOn) {
         "font_Size=40000\r\neffect_Alpha=256\r\ntray_Border=abc\r\ntray_Refresh=12.5\r\n"
         "tray_FastRefresh=13.5\r\ntext_alignment= 2 \r\ntimer_PictureRefresh=1e2\r\n"
         "timer_PlayerStateRefresh=2147483648\r\nfont_Bold=true\r\nfont_Strikethru=\"1\"\r\n"
-        "font_Underline= 1\r\nfont_Name=\"Courier New\"\r\ncolor_NormalText=255\r\ncache_size=\r\n"
-        "pos_WinTop=1\r\npos_WinLeft=2\r\npos_EditWinTop=3\r\npos_EditWinLeft=4\r\n");
+        "font_Underline= 1\r\nfont_Name=\"Courier New\"\r\ncolor_NormalText=255\r\n"
+        "cache_size=\r\npos_WinTop=1\r\npos_WinLeft=2\r\npos_EditWinTop=3\r\n"
+        "pos_EditWinLeft=4\r\n");
     cSettings& s = globals.Settings;
     s.font_Size = 12;
     s.effect_Alpha = 7;
@@ -234,21 +228,9 @@ TEST_F(cConfigTest, SplashFlagAndShownVersionGoToTheFileOnEveryAccess) {
     EXPECT_EQ(trail.lines[0][0], "cConfig.lastUpdateVersion [Get]");
 }
 
-TEST_F(cConfigTest, WithoutASpecialFolderTheProgramFolderHoldsTheFile) {
-    shell.specialFolder.clear();
-    cConfig config(globals, shell, ini);
-    EXPECT_EQ(config.File(), globals.ProgramFolder + u"config.ini");
-    config.Save(false);
-    EXPECT_TRUE(std::filesystem::exists(dir.path() / "program" / "config.ini"));
-}
-
 TEST_F(cConfigTest, TheSettingsDialogEditsTheSettingsGroupByName) {
     cConfig config(globals, shell, ini);
     config.Load(false);
-    const auto names = cConfig::SettingsGroup();
-    EXPECT_EQ(names.front(), u"conn_Server");
-    EXPECT_EQ(names.back(), u"plugin_AutoStart");
-    EXPECT_EQ(config.SettingText(u"language_name"), u"enus");
     // The name, the text typed, and the text after a save and a fresh load.
     const std::tuple<const char16_t*, const char16_t*, const char16_t*> edits[] = {
         {u"font_Size", u"14", u"14"},       {u"font_Name", u"Tahoma", u"Tahoma"},

@@ -10,17 +10,13 @@
 #include "editor/cEditAdvTime.h"
 #include "editor/cEditTime.h"
 #include "editor/iEditorView.h"
-#include "platform/Shell.h"
+#include "fakes/FakeShell.h"
 
 namespace toval::test {
 
 class FakeEditorView : public iEditorView {
   public:
-    struct Box {
-        std::u16string text, title;
-        int32_t flags;
-        bool operator==(const Box&) const = default;
-    };
+    using Box = FakeShell::Box;
 
     void setCaption(const std::u16string& text) override { caption = text; }
     void setEnabled(eEditorControl c, bool on) override { enabled[c] = on; }

@@ -1,11 +1,10 @@
 // A scripted player plug-in behind the PluginChannel port: answers every
-// command from fields (or from `script` when set), records what was sent, and
-// delivers the plug-in's notices and tag records to the hooked handler.
+// command from fields, records what was sent, and delivers the plug-in's
+// notices and tag records to the hooked handler.
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,12 +22,11 @@ class FakePluginChannel : public PluginChannel {
 
     int32_t SendCommand(int32_t window, int32_t command, int32_t argument) override {
         sent.push_back({window, command, argument});
-        if (script) return script(window, command, argument);
         if (dead) return 0;
         const std::pair<int32_t, int32_t> answers[] = {
             {kCmdRegister, registerAnswer},      {kCmdPosition, position},
-            {kCmdPlaylistPos, playlistPosition}, {kCmdAlive, alive ? 1 : 0},
-            {kCmdPlayerWindow, playerWindow},    {kCmdLengthUnit, lengthUnit}};
+            {kCmdPlaylistPos, playlistPosition}, {kCmdAlive, 1},
+            {kCmdPlayerWindow, 0x777},           {kCmdLengthUnit, lengthUnit}};
         for (const auto& [code, answer] : answers)
             if (code == command) return answer;
         return 0;
@@ -39,22 +37,14 @@ class FakePluginChannel : public PluginChannel {
     }
     void InstallHook() override { ++installs; }
     void RemoveHook() override { ++removes; }
-    int32_t HandlerWindow() override { return handlerWindow; }
+    int32_t HandlerWindow() override { return 0x1234; }
     void AllowUserMessages() override { ++filterCalls; }
 
     // The plug-in sends WM_USER with lParam = code to the handler window.
     // Returns the result, or -1 when the handler did not take the message.
-    int64_t Notice(int64_t code) {
-        int64_t result = -1;
-        if (!onMessage || !onMessage(kWmUser, 0, code, {}, result)) return -1;
-        return result;
-    }
+    int64_t Notice(int64_t code) { return Deliver(kWmUser, code, {}); }
     // The plug-in sends a WM_COPYDATA block.
-    int64_t CopyData(const std::string& block) {
-        int64_t result = -1;
-        if (!onMessage || !onMessage(kWmCopyData, 0, 0, block, result)) return -1;
-        return result;
-    }
+    int64_t CopyData(const std::string& block) { return Deliver(kWmCopyData, 0, block); }
 
     // The commands sent so far with the given code.
     int Count(int32_t command) const {
@@ -83,17 +73,13 @@ class FakePluginChannel : public PluginChannel {
     }
 
     // Answers.
-    std::function<int32_t(int32_t, int32_t, int32_t)> script;
     bool dead = false;  // a window that is gone answers 0 to everything
     int32_t registerAnswer = 1;
     int32_t position = 0;
     int32_t playlistPosition = 0;
-    bool alive = true;
-    int32_t playerWindow = 0x777;
     int32_t lengthUnit = 1;
     int32_t windowToFind = 0;
     int foundOnCall = 1;
-    int32_t handlerWindow = 0x1234;
 
     // Records.
     std::vector<Sent> sent;
@@ -101,6 +87,13 @@ class FakePluginChannel : public PluginChannel {
     int installs = 0;
     int removes = 0;
     int filterCalls = 0;
+
+  private:
+    int64_t Deliver(uint32_t message, int64_t lParam, const std::string& block) {
+        int64_t result = -1;
+        if (!onMessage || !onMessage(message, 0, lParam, block, result)) return -1;
+        return result;
+    }
 };
 
 }  // namespace toval::test

@@ -26,7 +26,6 @@ class FakeSocket : public Socket {
     void GetData(std::string& bytes) override {
         bytes = std::move(inbox);
         inbox.clear();
-        ++reads;
     }
     void Close() override {
         ++closes;
@@ -66,7 +65,6 @@ class FakeSocket : public Socket {
     std::string inbox;
     SocketState state = kSckClosed;
     int closes = 0;
-    int reads = 0;
 };
 
 }  // namespace toval::test

@@ -5,13 +5,9 @@
 #include <array>
 #include <tuple>
 
-#include "base/mFile.h"
-#include "base/mString.h"
 #include "fakes/CapturedTrail.h"
 #include "fakes/FakeMeasureSurface.h"
 #include "fakes/FakeRandom.h"
-#include "fakes/TempDir.h"
-#include "lyric/cMusic.h"
 #include "lyric/mLrcForm.h"
 
 namespace toval {
@@ -68,36 +64,21 @@ TEST(cLyric, SimpleLyricsAreWrittenAsPlainText) {
     EXPECT_EQ(again.TVL(), tvl);
 }
 
-TEST(cLyric, KeepsLeadingIdTagsOnly) {
-    const struct {
-        const char16_t *text, *tags, *records;
-    } cases[] = {
-        // A later tag is an ordinary untimed line.
-        {u"[ar:A]\r\n[ti:T]\r\n[00:01.00]x\r\n[al:later]", u"[ar:A]\r\n[ti:T]\r\n",
-         u"[1000]x\r\n[]\r\n"},
-        // An empty first piece ends the header; a tag with nothing between the
-        // brackets is not an ID tag; a complete property section ends it too.
-        {u"\r\n[ar:x]\r\n", u"", u"[]\r\n[]\r\n"},
-        {u"[PROPERTY]\r\n[\\PROPERTY][ar:x]\r\n", u"", u"[]\r\n"},
-    };
-    for (const auto& c : cases) {
-        cLyric l;
-        l.setLoad(c.text);
-        EXPECT_EQ(l.IDTags(), c.tags);
-        EXPECT_EQ(l.Load(), c.records);
-    }
-    cLyric l;
-    l.setLoad(cases[0].text);
-    EXPECT_EQ(l.LRC(nullptr), u"[ar:A]\r\n[ti:T]\r\n[00:01.00]x\r\n[00:00.00]\r\n");
-}
-
 // LRC files as other programs and the web write them, each read into the
-// records the program writes itself.
+// records the program writes itself and the leading ID tags it keeps.
 TEST(cLyric, ReadsLrcFilesAsUsersHaveThem) {
     const struct {
         const char16_t* text;
         const char16_t* records;
+        const char16_t* tags = u"";
     } cases[] = {
+        // A later tag is an ordinary untimed line.
+        {u"[ar:A]\r\n[ti:T]\r\n[00:01.00]x\r\n[al:later]", u"[1000]x\r\n[]\r\n",
+         u"[ar:A]\r\n[ti:T]\r\n"},
+        // An empty first piece ends the header; a tag with nothing between the
+        // brackets is not an ID tag; a complete property section ends it too.
+        {u"\r\n[ar:x]\r\n", u"[]\r\n[]\r\n"},
+        {u"[PROPERTY]\r\n[\\PROPERTY][ar:x]\r\n", u"[]\r\n"},
         {u"[00:01.00]a\n[00:02.00]b\n", u"[1000]a\r\n[2000]b\r\n"},  // LF alone
         {u"a\n\n[00:01]b", u"[]a\r\n[]\r\n[1000]b\r\n"},
         {u"\uFEFF  [00:01.00]x", u"[1000]x\r\n"},
@@ -117,22 +98,24 @@ TEST(cLyric, ReadsLrcFilesAsUsersHaveThem) {
         {u"[00:10.00][00:30.00]<00:10.10>Hi <00:10.50>you",
          u"[10000]<10100>Hi <10500>you\r\n[30000]<30100>Hi <30500>you\r\n"},
         // The offset: positive comes earlier.
-        {u"[ar:A]\n[offset:+500]\n[00:01.00]<00:01.20>a", u"[500]<700>a\r\n"},
+        {u"[ar:A]\n[offset:+500]\n[00:01.00]<00:01.20>a", u"[500]<700>a\r\n", u"[ar:A]\r\n"},
         // A right-to-left line as the program writes it in LRC.
         {u"\u05D0[00:01.00]b", u"[1000]\u05D0b\r\n"},
     };
     for (const auto& c : cases) {
         cLyric l;
         l.setLoad(c.text);
-        EXPECT_EQ(l.Load(), c.records) << testing::PrintToString(std::u16string(c.text));
+        SCOPED_TRACE(testing::PrintToString(std::u16string(c.text)));
+        EXPECT_EQ(l.Load(), c.records);
+        EXPECT_EQ(l.IDTags(), c.tags);
         // The LRC written reads back to itself: an offset is not applied twice.
         cLyric back;
         back.setLoad(l.LRC(nullptr));
         EXPECT_EQ(back.LRC(nullptr), l.LRC(nullptr));
     }
     cLyric tagged;
-    tagged.setLoad(u"[ar:A]\n[offset:+500]\n[00:01.00]a");
-    EXPECT_EQ(tagged.IDTags(), u"[ar:A]\r\n");
+    tagged.setLoad(cases[0].text);
+    EXPECT_EQ(tagged.LRC(nullptr), u"[ar:A]\r\n[ti:T]\r\n[00:01.00]x\r\n[00:00.00]\r\n");
     // A stamp inside the text is text, and so is the text before it (written
     // back as LRC, that stamp would read as a word time).
     tagged.setLoad(u"[00:01]a\nThis could [00:00:00] be");

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <tuple>
 
 #include "fakes/TempDir.h"
 
@@ -45,7 +44,6 @@ TEST(cMusic, FileAddressMeasuresTheFileOnEveryWriteAndKeepsTheIdOfAnEqualPath) {
     dir.Write("track.mp3", "12345");
     cMusic music;
     music.setFileAddress(path);
-    EXPECT_EQ(music.FileAddress(), path);
     EXPECT_EQ(std::pair(music.ID(), music.FileSize()), std::pair(cMusic::ComputeID(path), 5));
 
     dir.Write("track.mp3", "123456789");

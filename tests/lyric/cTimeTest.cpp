@@ -8,10 +8,6 @@
 namespace toval {
 namespace {
 
-std::string Narrow(std::u16string_view s) {
-    return std::string(s.begin(), s.end());
-}
-
 TEST(cTime, PrintsLongAndShortForms) {
     const struct {
         int32_t ms;
@@ -51,7 +47,7 @@ TEST(cTime, ParsesNumbersAndMinuteSecondForms) {
     for (const auto& c : cases) {
         cTime t(777);
         t.setText(c.text);
-        EXPECT_EQ(t.Time(), c.ms) << Narrow(c.text);
+        EXPECT_EQ(t.Time(), c.ms) << testing::PrintToString(std::u16string(c.text));
     }
 }
 
