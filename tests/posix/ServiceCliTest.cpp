@@ -153,7 +153,6 @@ TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
     o = Tool({"lookup", (dir.path() / "\xff\xfe.mp3").string(), "--cache", cache.path().string()});
     EXPECT_TRUE(o.code == kExitNotFound || o.code == kExitFile) << o.code;
 
-    // What the service says and failures on the way, as exit codes and reasons.
     // What the service says, and a time-out the option sets, as exit codes and reasons (the
     // client's own failures are its tests).
     const struct {
@@ -197,7 +196,6 @@ TEST(ServiceCli, SendReportsWhatTheServiceSaid) {
 TEST(ServiceCli, TheBinaryExitsWithTheDocumentedCodes) {
     const std::string tool = TOVAL_LYRIC_TOOL;
     EXPECT_EQ(WEXITSTATUS(Shell(tool + " --help | grep -q 'Usage: toval-lyric'")), 0);
-    EXPECT_EQ(WEXITSTATUS(Shell(tool + " frobnicate")), 2);
     EXPECT_EQ(WEXITSTATUS(Shell(tool + " print /nonexistent/x.tvl")), 3);
 }
 
@@ -245,7 +243,6 @@ TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
               0);
     std::filesystem::copy_file(at("a.ogg"), at("ogg-named.mp3"));
     dir.Write("tagged.wav", TaggedWav());
-    std::filesystem::create_directory(at("folder.mp3"));
     ASSERT_EQ(::mkfifo(at("pipe.mp3").c_str(), 0600), 0);
 
     const std::string cutArtist = longArtist.substr(0, 1023);  // a whole letter less
@@ -253,15 +250,12 @@ TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
         std::string path;
         cAudioTags tags;
     } cases[] = {
-        {kSamples + "harbour.flac", {"Toval Samples", "Toval Samples", "Harbour Lanterns", 19000}},
         {at("a.mp3"), {"Mp3 Artist", "Mp3 Album", "Mp3 Title", 2500}},
         {at("ogg-named.mp3"), {"Ogg Artist", "", "Ogg Title", 2500}},  // told by content
         {at("bare.flac"), {"", "", "", 2500}},
         {at("utf8.flac"), {cutArtist, "\xC3\x81g\xC3\xA6tis byrjun", "Two lines", 2500}},
         {at("tagged.wav"), {"Wav Artist", "Wav Album", "Wav Title", 1000}},
-        {at("folder.mp3"), {}},
         {at("pipe.mp3"), {}},  // would block a reader that opened it
-        {"", {}},
     };
     for (const auto& c : cases) {
         const cAudioTags got = ReadAudioTags(c.path);
