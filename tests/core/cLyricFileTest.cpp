@@ -38,7 +38,7 @@ class LyricFileTest : public ::testing::Test {
         track->setArtist(u"Ann");
         track->setTitle(u"Song [Live] <edit>");
         track->setMiliDuration(200000);
-        track->setFileAddress(trackFile().u16string());
+        track->setFileAddress((music.path() / "song.mp3").u16string());
         lookup.setMusic(track);
         lookup.setSocket(socket);
         lookup.setTime(timer);
@@ -47,7 +47,6 @@ class LyricFileTest : public ::testing::Test {
         };
     }
 
-    std::filesystem::path trackFile() const { return music.path() / "song.mp3"; }
     std::filesystem::path beside(const char* ext) const { return music.path() / ext; }
 
     void serve(const std::string& body) {
