@@ -89,7 +89,6 @@ TEST_F(LyricFileTest, FilesBesideTheTrackComeFirstTvlBeforeLrc) {
 TEST_F(LyricFileTest, ServiceIsAskedWithAWaitingTextThatCannotParseAsTags) {
     lookup.Load(3);
     const Loaded waiting{3, 4, u"Ann - Song (Live) (edit)\r\n\r\n"};
-    EXPECT_EQ(loaded, std::vector{waiting});
     ASSERT_EQ(socket->connects.size(), 1u);
     serve("[1000]got it");
     EXPECT_NE(socket->sent.find("&mut=0&"), std::string::npos);  // any version will do
