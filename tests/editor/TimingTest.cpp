@@ -53,7 +53,6 @@ TEST_F(TimingTest, MouseHitsWordsLinesAndNothing) {
     Click(800, 5, 500);  // below every line: nothing
     EXPECT_EQ(std::pair(editor.newLine(), editor.curLine()), std::pair(kUnset, kUnset));
     Click(900, 1e300, 5);  // no integer coordinate
-    EXPECT_EQ(editor.newLine(), kUnset);
     EXPECT_EQ(Records(), u"[700]<>ab<> <600>cd\r\n[]<>longer<> <>line<> <>here\r\n");
     // Outside the timing step the mouse does nothing.
     editor.cmdNext_Click();
