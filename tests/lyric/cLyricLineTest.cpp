@@ -100,7 +100,6 @@ TEST(cLyricLine, ReadsAndWritesLineRecords) {
     }
 
     // Writes back what it read.
-    l.setLoad(u"[12340]<12340>Hello <12800><13000>world");
     for (const auto* r : {u"[]", u"[5000][65000]chorus line", u"[-300]<-300>neg<>un<7><8>two"}) {
         l.setLoad(r);
         EXPECT_EQ(l.Load(), r);
