@@ -61,10 +61,7 @@ TEST_F(cConfigTest, AMissingFileLoadsEveryDefaultWithTheWindowsCentred) {
     shell.screenWidth = 1920 * 15;   // 28800 twips
     shell.screenHeight = 1081 * 15;  // 16215 twips
     globals.Settings.font_Name = u"changed";
-    cConfig config(globals, shell, ini);
-    EXPECT_EQ(config.File(),
-              AddPathSeparator(dir.file(u"appdata")) + u"Toval" + kPathSeparator + u"config.ini");
-    config.Load(false);
+    cConfig(globals, shell, ini).Load(false);
     cSettings expected;
     expected.pos_WinTop = 7308;        // (16215 - 1600) / 2 = 7307.5, halves to even
     expected.pos_WinLeft = 12000;      // (28800 - 4800) / 2
