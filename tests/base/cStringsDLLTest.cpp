@@ -81,7 +81,6 @@ TEST_F(StringsDLLTest, LoadedLibraryDoesTheWorkUntilItsFirstFailure) {
                        {F::FileSaveUTF8, std::string(1, '\0')},
                        {F::FileExists, std::string(1, '\1')}};
     ASSERT_TRUE(tryLoadStringsDLL(loader));
-    EXPECT_EQ(&Strings(), StringsDLL());
 
     const std::u16string file = dir.file(u"song.tvl");
     EXPECT_EQ(Strings().utf8TOwstring("x"), u"from the library");
@@ -96,14 +95,12 @@ TEST_F(StringsDLLTest, LoadedLibraryDoesTheWorkUntilItsFirstFailure) {
                                                 {F::FileRead, Wide(file), "", 0},
                                                 {F::FileSaveUTF8, Wide(file), Wide(u"x"), 0},
                                                 {F::FileExists, Wide(file), "", 0}}));
-    EXPECT_TRUE(trail.lines.empty());
 
     // FileKill has no answer: the file goes the built-in way, and the library is off for good.
     ASSERT_TRUE(SaveFile(file, "data", 1, true));
     FileKill(file);
     EXPECT_FALSE(std::filesystem::exists(dir.path() / "song.tvl"));
     EXPECT_FALSE(StringsDLLAvailable());
-    EXPECT_EQ(StringsDLL(), nullptr);
     EXPECT_EQ(Strings().utf8TOwstring("x"), u"x");
     EXPECT_EQ(library.calls.size(), 6u);
     EXPECT_EQ(trail.lines, (Lines{{"cStringsDLL.FileKill",

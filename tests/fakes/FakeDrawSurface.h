@@ -3,6 +3,7 @@
 // which pieces were repainted and how.
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -54,10 +55,8 @@ class FakeDrawSurface : public DrawSurface {
         return out;
     }
     int Count(Kind kind) const {
-        int n = 0;
-        for (const Call& c : calls)
-            n += c.kind == kind ? 1 : 0;
-        return n;
+        return static_cast<int>(std::count_if(calls.begin(), calls.end(),
+                                              [&](const Call& c) { return c.kind == kind; }));
     }
     void clear() { calls.clear(); }
 

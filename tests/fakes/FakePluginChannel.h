@@ -48,10 +48,8 @@ class FakePluginChannel : public PluginChannel {
 
     // The commands sent so far with the given code.
     int Count(int32_t command) const {
-        int n = 0;
-        for (const Sent& s : sent)
-            n += s.command == command ? 1 : 0;
-        return n;
+        return static_cast<int>(std::count_if(sent.begin(), sent.end(),
+                                              [&](const Sent& s) { return s.command == command; }));
     }
 
     // A tag record as the plug-in builds it: zero-padded UTF-8 fields.

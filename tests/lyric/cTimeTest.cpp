@@ -37,11 +37,11 @@ TEST(cTime, ParsesNumbersAndMinuteSecondForms) {
         // clang-format off
         {u"01:02.5", 62500}, {u"-00:01.25", -1250}, {u"abc", 0}, {u"01:xx", kUnset},
         {u"01:02.", kUnset}, {u"+00:10.5", 10500}, {u"1500", 1500}, {u"00:01.1234", 2234},
-        {u"", 0}, {u"2.5", 2}, {u"3.5", 4}, {u" 1e3 ", 1000}, {u"2147483648", kUnset},
+        {u"3.5", 4}, {u"2147483648", kUnset},
         {u"32768:00", kUnset},  // minutes are 16-bit
         {u"32767:59.999", 1966079999},
         {u"-32768:00", kUnset},  // the sign comes off first, 32768 overflows
-        {u"1:2:3", kUnset}, {u"1.5:0", 120000}, {u"1:2.5.3", 62005}, {u"--1:00", 60000},
+        {u"--1:00", 60000},
         // clang-format on
     };
     for (const auto& c : cases) {
