@@ -119,32 +119,44 @@ void cQtPicture::Compact() {
 void cQtPicture::Paint(QPainter& painter, const QPoint& origin, const QRect& clip,
                        const QColor& erase) const {
     painter.setRenderHint(QPainter::TextAntialiasing);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    // What this paint has put over the window's own colour: a background
+    // box elsewhere has nothing to erase.
+    std::vector<QRect> painted;
+    const QFont* face = nullptr;
+    cColor pen = -1;
     for (const Mark& mark : marks_) {
         if (!mark.live) continue;
         const QRect box = mark.box.translated(origin);
         if (!box.intersects(clip)) continue;
-        if (mark.isText) {
-            painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-            const QFont& font = mark.underline ? underlined_ : plain_;
-            painter.setFont(font);
-            painter.setPen(ColorOf(mark.color));
-            // One line, vertically centred, ampersands as they are (no mnemonics).
-            if (!mark.laidOut) {
-                mark.shown.setTextFormat(Qt::PlainText);
-                mark.shown.setText(mark.text);
-                mark.shown.prepare(QTransform(), font);
-                mark.laidOut = true;
-            }
-            const qreal top = box.top() + (box.height() - mark.shown.size().height()) / 2.0;
-            painter.drawStaticText(QPointF(box.left(), top), mark.shown);
-        } else if (mark.color == background_) {
-            // The window's own translucent colour, whatever was painted there before.
+        if (!mark.isText && mark.color == background_) {
+            const bool covers = std::any_of(painted.begin(), painted.end(),
+                                            [&](const QRect& r) { return r.intersects(box); });
+            if (!covers) continue;
             painter.setCompositionMode(QPainter::CompositionMode_Source);
             painter.fillRect(box, erase);
-        } else {
             painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-            painter.fillRect(box, ColorOf(mark.color));
+            continue;
         }
+        painted.push_back(box);
+        if (!mark.isText) {
+            painter.fillRect(box, ColorOf(mark.color));
+            continue;
+        }
+        const QFont& font = mark.underline ? underlined_ : plain_;
+        if (face != &font) painter.setFont(font);
+        face = &font;
+        if (pen != mark.color) painter.setPen(ColorOf(mark.color));
+        pen = mark.color;
+        // One line, vertically centred, ampersands as they are (no mnemonics).
+        if (!mark.laidOut) {
+            mark.shown.setTextFormat(Qt::PlainText);
+            mark.shown.setText(mark.text);
+            mark.shown.prepare(QTransform(), font);
+            mark.laidOut = true;
+        }
+        const qreal top = box.top() + (box.height() - mark.shown.size().height()) / 2.0;
+        painter.drawStaticText(QPointF(box.left(), top), mark.shown);
     }
 }
 

@@ -51,7 +51,8 @@ class cQtPicture final : public DrawSurface, public MeasureSurface {
     // The marks kept, dead ones included.
     size_t MarkCount() const { return marks_.size(); }
     // Paints the marks that meet clip (window pixels) with the picture's top
-    // left corner at origin; background boxes are painted in erase.
+    // left corner at origin, over a clip already filled with erase: the
+    // background boxes are painted in erase where they cover something.
     void Paint(QPainter& painter, const QPoint& origin, const QRect& clip,
                const QColor& erase) const;
     // Raised by Refresh with the part of the picture drawn since the last
