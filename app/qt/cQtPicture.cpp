@@ -62,7 +62,8 @@ uint64_t cQtPicture::Key(const cRect& rect) {
 void cQtPicture::Add(const cRect& rect, Mark mark) {
     Drawn(rect);
     mark.box = QRect(rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top);
-    at_[Key(rect)].push_back(marks_.size());
+    mark.key = Key(rect);
+    at_[mark.key].push_back(marks_.size());
     marks_.push_back(std::move(mark));
 }
 
@@ -107,9 +108,7 @@ void cQtPicture::Compact() {
     at_.clear();
     for (Mark& mark : marks_) {
         if (!mark.live) continue;
-        const QRect& b = mark.box;
-        at_[Key(cRect{b.left(), b.top(), b.left() + b.width(), b.top() + b.height()})].push_back(
-            live.size());
+        at_[mark.key].push_back(live.size());
         live.push_back(std::move(mark));
     }
     marks_ = std::move(live);

@@ -62,6 +62,7 @@ class cQtPicture final : public DrawSurface, public MeasureSurface {
   private:
     struct Mark {
         QRect box;
+        uint64_t key = 0;  // of box, in at_
         bool live = true;
         bool isText = false;
         bool underline = false;

@@ -87,9 +87,7 @@ cQtProgram::cQtProgram(Options options)
         menu_.setLayoutDirection(window_.layoutDirection());
         picture_.setFont(globals_.Settings);
     };
-    logic_->onDisplayLoaded = [this](cDisplay& display) {
-        window_.Attach(display);
-    };
+    logic_->onDisplayLoaded = [this](cDisplay& display) { window_.Attach(display); };
     logic_->onUpdateMenus = [this] { UpdateMenus(); };
     logic_->onUnloadForms = [this] {
         editor_.reset();
