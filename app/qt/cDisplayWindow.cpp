@@ -133,6 +133,7 @@ void cDisplayWindow::ScrollTo(const cRect& line) {
     }
     glideClock_.start();
     if (!glide_.isActive()) glide_.start();
+    bandStale_ = true;
 }
 
 void cDisplayWindow::Step() {
@@ -150,6 +151,10 @@ void cDisplayWindow::paintEvent(QPaintEvent* event) {
     QColor background = ColorOf(picture_.Background());
     background.setAlpha(globals_.Settings.effect_Alpha);
     p.setCompositionMode(QPainter::CompositionMode_Source);
+    if (mode_ == kModeWindow && PaintBand(p, event->rect(), background)) {
+        if (onPainted) onPainted();
+        return;
+    }
     p.fillRect(event->rect(), background);
     const QPoint at = PictureOrigin();
     QRect clip = event->rect();
@@ -160,6 +165,44 @@ void cDisplayWindow::paintEvent(QPaintEvent* event) {
         picture_.Paint(p, at, clip, background);
     }
     if (onPainted) onPainted();
+}
+
+bool cDisplayWindow::PaintBand(QPainter& p, const QRect& rect, const QColor& background) {
+    const QPoint at = PictureOrigin();
+    const qreal ratio = devicePixelRatioF();
+    const bool valid = !bandStale_ && !band_.isNull() && bandGeneration_ == picture_.Generation() &&
+                       bandLeft_ == -at.x() && bandBackground_ == background &&
+                       band_.devicePixelRatio() == ratio &&
+                       band_.deviceIndependentSize().width() == width();
+    if (!valid) {
+        // Only a glide paints a band; the last frame of one still shows it.
+        if (!glide_.isActive()) return false;
+        // From where the glide starts to where it ends, half a window above and below.
+        const int from = static_cast<int>(std::floor(std::min(shownY_, targetY_)));
+        const int to = static_cast<int>(std::ceil(std::max(shownY_, targetY_)));
+        // A long jump (a seek) glides over lines not worth painting whole.
+        if (to - from > 2 * height()) return false;
+        bandTop_ = from - height() / 2 - 2;
+        bandLeft_ = -at.x();
+        bandGeneration_ = picture_.Generation();
+        bandBackground_ = background;
+        const QSize size(width(), to - from + height() + 4);
+        // Kept between glides: most are the same height, one line apart.
+        if (band_.size() != size * ratio)
+            band_ = QImage(size * ratio, QImage::Format_ARGB32_Premultiplied);
+        band_.setDevicePixelRatio(ratio);
+        bandStale_ = false;
+        band_.fill(background);
+        QPainter bp(&band_);
+        picture_.Paint(bp, QPoint(-bandLeft_, -bandTop_), QRect(QPoint(0, 0), size), background);
+    }
+    // The window's top row is the picture's row -at.y().
+    const int top = -at.y() - bandTop_;
+    if (top < 0 || top + height() > band_.deviceIndependentSize().height()) return false;
+    p.drawImage(
+        rect, band_,
+        QRectF(QPointF(rect.left(), rect.top() + top) * ratio, QSizeF(rect.size()) * ratio));
+    return true;
 }
 
 QPoint cDisplayWindow::PictureOrigin() const {

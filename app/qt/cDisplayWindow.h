@@ -7,6 +7,7 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <QImage>
 #include <QTimer>
 #include <QWidget>
 #include <functional>
@@ -54,6 +55,8 @@ class cDisplayWindow final : public QWidget {
     void FitWidth();
     void ScrollTo(const cRect& line);
     void Step();
+    // Paints the window from the band when it holds what the window shows.
+    bool PaintBand(QPainter& painter, const QRect& rect, const QColor& background);
     void StoreGeometry();
     Qt::Edges EdgesAt(const QPoint& local) const;
 
@@ -69,6 +72,14 @@ class cDisplayWindow final : public QWidget {
     int32_t lineTop_ = 0, lineBottom_ = 0;
     QTimer glide_;
     QElapsedTimer glideClock_;
+    // A glide paints the lines it passes once, into this band of the picture
+    // as wide as the window, and each frame copies its part of it: the text
+    // is not rasterised again for every frame.
+    QImage band_;
+    int bandTop_ = 0, bandLeft_ = 0;  // the picture's pixel at the band's top left
+    uint64_t bandGeneration_ = 0;
+    bool bandStale_ = true;
+    QColor bandBackground_;
     // Dragging: what is dragged, from where.
     Qt::Edges dragEdges_;
     bool dragging_ = false, moved_ = false;

@@ -46,6 +46,8 @@ void cQtPicture::setFont(const cSettings& s) {
     font_.setStrikeOut(s.font_Strikethru);
     font_.setUnderline(s.font_Underline);
     setFaces();
+    recycled_.clear();
+    ++generation_;
 }
 
 bool cQtPicture::Fits(const cRect& rect) {
@@ -61,6 +63,7 @@ uint64_t cQtPicture::Key(const cRect& rect) {
 
 void cQtPicture::Add(const cRect& rect, Mark mark) {
     Drawn(rect);
+    ++generation_;
     mark.box = QRect(rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top);
     mark.key = Key(rect);
     at_[mark.key].push_back(marks_.size());
@@ -72,8 +75,12 @@ void cQtPicture::FillRectangle(const cRect& rect, cColor color) {
     // The box is painted over whole: what was drawn in it before is gone.
     const auto found = at_.find(Key(rect));
     if (found != at_.end()) {
-        for (const size_t index : found->second)
-            marks_[index].live = false;
+        recycled_.clear();
+        for (const size_t index : found->second) {
+            Mark& old = marks_[index];
+            old.live = false;
+            if (old.isText && old.laidOut) recycled_.push_back(old);
+        }
         dead_ += found->second.size();
         at_.erase(found);
     }
@@ -85,7 +92,9 @@ void cQtPicture::FillRectangle(const cRect& rect, cColor color) {
 
 void cQtPicture::Blank(cColor color) {
     background_ = color;
+    ++generation_;
     marks_.clear();
+    recycled_.clear();
     at_.clear();
     dead_ = 0;
     all_ = true;
@@ -98,6 +107,12 @@ void cQtPicture::PaintText(const std::u16string& text, const cRect& rect, int32_
     mark.underline = underline_;
     mark.color = text_;
     mark.text = QtText(text);
+    for (const Mark& old : recycled_) {
+        if (old.underline != mark.underline || old.text != mark.text) continue;
+        mark.shown = old.shown;  // shared, not copied
+        mark.laidOut = true;
+        break;
+    }
     Add(rect, std::move(mark));
 }
 
@@ -124,10 +139,13 @@ void cQtPicture::Paint(QPainter& painter, const QPoint& origin, const QRect& cli
     std::vector<QRect> painted;
     const QFont* face = nullptr;
     cColor pen = -1;
+    // The clip in the picture's pixels: most marks lie in other rows.
+    const QRect want = clip.translated(-origin);
     for (const Mark& mark : marks_) {
-        if (!mark.live) continue;
+        if (!mark.live || mark.box.bottom() < want.top() || mark.box.top() > want.bottom() ||
+            mark.box.right() < want.left() || mark.box.left() > want.right())
+            continue;
         const QRect box = mark.box.translated(origin);
-        if (!box.intersects(clip)) continue;
         if (!mark.isText && mark.color == background_) {
             const bool covers = std::any_of(painted.begin(), painted.end(),
                                             [&](const QRect& r) { return r.intersects(box); });

@@ -48,6 +48,9 @@ class cQtPicture final : public DrawSurface, public MeasureSurface {
     void DoEvents() override {}
 
     cColor Background() const { return background_; }
+    // Changes whenever the picture does: a copy of its pixels made at one
+    // generation shows it as long as the generation stays.
+    uint64_t Generation() const { return generation_; }
     // The marks kept, dead ones included.
     size_t MarkCount() const { return marks_.size(); }
     // Paints the marks that meet clip (window pixels) with the picture's top
@@ -94,6 +97,10 @@ class cQtPicture final : public DrawSurface, public MeasureSurface {
     std::vector<Mark> marks_;
     std::unordered_map<uint64_t, std::vector<size_t>> at_;
     size_t dead_ = 0;
+    // The texts last painted over: a word drawn again in another colour
+    // takes its layout from here instead of shaping its text again.
+    std::vector<Mark> recycled_;
+    uint64_t generation_ = 0;
     QRect drawn_;
     bool all_ = true;
 };
