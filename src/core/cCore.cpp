@@ -247,6 +247,9 @@ void cCore::clf_Lyric_Loaded(int32_t requestId, int32_t status) {
         }
 
         lyricActive_ = true;
+        // A forecasting link knows the position now: the first line shows at
+        // once, not a poll later.
+        if (forecast_) setInterval(kSoonMs);
         TimerOn(true);
 
         if (status == kLyricLocal) loader_->LoadFrom(kSourceService, requestId, lyric->Mutation());

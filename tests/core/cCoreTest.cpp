@@ -254,11 +254,11 @@ TEST(cCore, AForecastingLinkIsWokenAndItsTrackLookedUpAtOnce) {
     r.core->PluginEvent(kEventNewTrack);
     r.timer.tick();
     EXPECT_EQ(r.fake->loads, std::vector<int32_t>{3});
-    // Nothing is polled while the lookup runs; its answer turns the timer on.
+    // Nothing is polled while the lookup runs; its answer ticks at once.
     EXPECT_EQ(r.State(), "off 20 alive at 3");
     r.fake->text = u"[1000]a";
     r.fake->Answer(3, kLyricLocal);
-    EXPECT_EQ(r.State(), "on 20 alive lyric stream at 3");
+    EXPECT_EQ(r.State(), "on 1 alive lyric stream at 3");
     // A later track is looked up on the next turn too, not a poll later.
     r.channel.playlistPosition = 4;
     r.core->PluginEvent(kEventNewTrack);
