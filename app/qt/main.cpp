@@ -7,6 +7,10 @@
 #include "cQtProgram.h"
 
 int main(int argc, char* argv[]) {
+    // The lyric window repaints a few words at a time. Through shared memory
+    // every such paint waits for the X server to finish reading the last one
+    // (a round trip, two threads woken); sending the few pixels does not.
+    if (!qEnvironmentVariableIsSet("QT_XCB_NO_MITSHM")) qputenv("QT_XCB_NO_MITSHM", "1");
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("toval"));
     QApplication::setApplicationVersion(QStringLiteral("1.3.1"));
