@@ -131,7 +131,7 @@ TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
         return Tool(args);
     };
     EXPECT_EQ(lookup({}).code, kExitNotFound);
-    EXPECT_TRUE(service.Requests().empty()) << "no --server, no service";
+    EXPECT_FALSE(service.LastAsked("")) << "no --server, no service";
     service.setAnswer("[500]from the service<br>[900]again");
     Outcome o = lookup({"--server", server, "--format", "text"});
     EXPECT_EQ(o.code, kExitOk) << o.err;
@@ -292,11 +292,11 @@ TEST(TagReader, LookupTakesTheTrackTagsAndTheOptionsWin) {
             "lookup",   track,          "--format", "lrc",
             "--server", service.Host(), "--cache",  cache.path().string()};
         args.insert(args.end(), extra.begin(), extra.end());
-        std::ostringstream out, err;
-        EXPECT_EQ(cCliMain(out, err).Run(args), kExitOk) << err.str();
-        EXPECT_EQ(out.str().substr(0, out.str().find("[re:")),
+        const Outcome o = Tool(args);
+        EXPECT_EQ(o.code, kExitOk) << o.err;
+        EXPECT_EQ(o.out.substr(0, o.out.find("[re:")),
                   std::string(head) + "[ti:Harbour Lanterns]\r\n");
-        EXPECT_TRUE(service.LastAsked(asked)) << service.Requests().back();
+        EXPECT_TRUE(service.LastAsked(asked));
     }
 }
 
