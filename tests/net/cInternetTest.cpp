@@ -343,20 +343,19 @@ TEST_F(InternetTest, NewRequestOrTheOwnerInTheEventDropsThePendingOne) {
     ASSERT_EQ(events.size(), 2u);
     EXPECT_EQ(events[1], (Event{kInternetSuccess, 9, "new", {}}));
 
-    // The owner may drop the client in the event.
+    // The owner may drop the client in the event: it lets go of the socket and timer.
+    net.setSocket(nullptr);
     auto owned = std::make_unique<cInternet>(globals);
-    auto sock = std::make_shared<FakeSocket>();
-    auto tmr = std::make_shared<FakeTimer>();
-    owned->setSocket(sock);
-    owned->setTime(tmr);
+    owned->setSocket(socket);
+    owned->setTime(timer);
     owned->onieEvent = [&](int16_t) { owned.reset(); };
     owned->getPage("http://h/", 1);
-    sock->accept();
-    sock->hangUp();
+    socket->accept();
+    socket->hangUp();
     EXPECT_EQ(owned, nullptr);
-    EXPECT_FALSE(tmr->enabled);
-    EXPECT_FALSE(sock->onConnect);
-    EXPECT_FALSE(tmr->onTimer);
+    EXPECT_FALSE(timer->enabled);
+    EXPECT_FALSE(socket->onConnect);
+    EXPECT_FALSE(timer->onTimer);
 }
 
 }  // namespace

@@ -101,15 +101,7 @@ TYPED_TEST(InternetLoopbackTest, ServersThatCloseEarlyFailWithTheirReason) {
 }
 
 // The port's own promises, which every adapter keeps.
-template <class Adapter>
-class SocketAdapterTest : public ::testing::Test {
-  protected:
-    Adapter adapter;
-};
-
-TYPED_TEST_SUITE(SocketAdapterTest, Adapters);
-
-TYPED_TEST(SocketAdapterTest, EventsComeFromTheLoopInOrder) {
+TYPED_TEST(InternetLoopbackTest, EventsComeFromTheLoopInOrder) {
     LoopbackServer server([](LoopbackServer::Connection& c) {
         std::string got;
         if (c.Read(got, 4)) c.Send("echo:" + got);
@@ -148,7 +140,7 @@ TYPED_TEST(SocketAdapterTest, EventsComeFromTheLoopInOrder) {
     EXPECT_EQ(socket->State(), kSckClosed);
 }
 
-TYPED_TEST(SocketAdapterTest, FailuresArriveAsErrorEventsWithTheWinsockNumbers) {
+TYPED_TEST(InternetLoopbackTest, FailuresArriveAsErrorEventsWithTheWinsockNumbers) {
     // A port on which nothing listens any more.
     const int32_t closed = LoopbackServer([](LoopbackServer::Connection&) {}).Port();
     const struct {
@@ -186,7 +178,7 @@ TYPED_TEST(SocketAdapterTest, FailuresArriveAsErrorEventsWithTheWinsockNumbers) 
     EXPECT_FALSE(connected);
 }
 
-TYPED_TEST(SocketAdapterTest, TimerTicksOnlyWhileEnabledWithAnInterval) {
+TYPED_TEST(InternetLoopbackTest, TimerTicksOnlyWhileEnabledWithAnInterval) {
     auto timer = this->adapter.MakeTimer();
     int ticks = 0;
     timer->onTimer = [&] { ++ticks; };
