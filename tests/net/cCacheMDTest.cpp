@@ -55,7 +55,6 @@ TEST_F(cCacheMDFile, LaysOutBlocksByteForByteAndReadsBackEveryLengthAroundTheirE
     ASSERT_EQ(md.SetData(none, key, Text(758)), 2);
     ASSERT_EQ(md.SetData(none, key, "hi"), 4);
     const std::string file = Bytes();
-    ASSERT_EQ(file.size(), 4 * kBlock);
     EXPECT_EQ(file.substr(0, 267), Le({757, 0}) + key + std::string(259 - key.size(), '\0'));
     EXPECT_EQ(file.substr(267, 757), Text(757));
     EXPECT_EQ(file.substr(kBlock, 8), Le({758, 3}));

@@ -113,9 +113,6 @@ class LoopbackServer {
         if (listen_ >= 0) CloseSocket(listen_);
     }
 
-    LoopbackServer(const LoopbackServer&) = delete;
-    LoopbackServer& operator=(const LoopbackServer&) = delete;
-
     // The port, or 0 when the server could not start.
     int32_t Port() const { return port_; }
 

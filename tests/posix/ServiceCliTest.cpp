@@ -206,8 +206,7 @@ TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
     ASSERT_TRUE(
         MakeAudio(at("a.mp3"), {"Title=Mp3 Title", "Artist=Mp3 Artist", "Album=Mp3 Album"}, 2.5));
     ASSERT_TRUE(MakeAudio(at("a.ogg"), {"TITLE=Ogg Title", "ARTIST=Ogg Artist"}, 2.5));
-    ASSERT_TRUE(MakeAudio(at("bare.flac"), {}, 2.5));
-    std::filesystem::copy_file(at("bare.flac"), at("utf8.flac"));
+    ASSERT_TRUE(MakeAudio(at("utf8.flac"), {}, 2.5));
     // A title with a line break, an artist past the record's width in two-byte letters.
     std::string longArtist = "a";
     for (int i = 0; i < 600; ++i)
@@ -230,7 +229,6 @@ TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
     } cases[] = {
         {at("a.mp3"), {"Mp3 Artist", "Mp3 Album", "Mp3 Title", 2500}},
         {at("ogg-named.mp3"), {"Ogg Artist", "", "Ogg Title", 2500}},  // told by content
-        {at("bare.flac"), {"", "", "", 2500}},
         {at("utf8.flac"), {cutArtist, "\xC3\x81g\xC3\xA6tis byrjun", "Two lines", 2500}},
         {at("tagged.wav"), {"A", "B", "T", 12}},
         {at("pipe.mp3"), {}},  // would block a reader that opened it
