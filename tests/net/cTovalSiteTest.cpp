@@ -169,7 +169,6 @@ TEST(cTovalSiteAnswer, SortsEnvelopeBodiesIntoResultCodesAndSaysWhyOnFailure) {
         {"<LLV>1030002</LLV><TOVAL>:NOTFOUND</TOVAL>", 1030002},
         {"<LLV>5</LLV><TOVAL>", 5},  // even when the envelope is broken
         {"<LLV>new</LLV>", kUnset},
-        {"<LLV>1030002", kUnset},
         {"<LLV>99999999999</LLV>", kUnset},
     };
     for (const auto& [data, version] : versions) {
@@ -193,8 +192,8 @@ TEST_F(TovalSiteTest, AnswersBecomeOneEventWithTheRequestId) {
     EXPECT_EQ(raised.back().result, 4);
     EXPECT_EQ(site.Lyric(), u"");
 
-    // A failure on the wire, a service that says no and a lyric that is not
-    // there: result 5 with the reason beside it, and one trail line each.
+    // A failure on the wire, a page that is not the service's answer and a save
+    // without a lyric: result 5 with the reason beside it, and one trail line each.
     CapturedTrail trail;
     raised.clear();
     site.Load(music, 50, 50);

@@ -235,9 +235,8 @@ TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
     };
     for (const auto& c : cases) {
         const cAudioTags got = ReadAudioTags(c.path);
-        EXPECT_EQ(got.artist, c.tags.artist) << c.path;
-        EXPECT_EQ(got.album, c.tags.album) << c.path;
-        EXPECT_EQ(got.title, c.tags.title) << c.path;
+        EXPECT_EQ(std::tie(got.artist, got.album, got.title),
+                  std::tie(c.tags.artist, c.tags.album, c.tags.title));
         // Encoders pad the sound by a few frames.
         EXPECT_NEAR(got.milliseconds, c.tags.milliseconds, c.tags.milliseconds < 0 ? 0 : 250)
             << c.path;
@@ -245,10 +244,6 @@ TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
             EXPECT_EQ(ReadAudioTagsFromMemory(dir.Read(c.path)).title, got.title) << c.path;
         }
     }
-    // Every prefix of a tagged file reads without failing (the fuzz target goes further).
-    const std::string flac = dir.Read("utf8.flac");
-    for (size_t size = 0; size < flac.size(); size += 97)
-        ReadAudioTagsFromMemory(std::string_view(flac).substr(0, size));
 }
 
 TEST(TagReader, LookupTakesTheTrackTagsAndTheOptionsWin) {

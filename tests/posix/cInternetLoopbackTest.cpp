@@ -141,15 +141,16 @@ TYPED_TEST(InternetLoopbackTest, EventsComeFromTheLoopInOrder) {
 }
 
 TYPED_TEST(InternetLoopbackTest, FailuresArriveAsErrorEventsWithTheWinsockNumbers) {
-    // A port on which nothing listens any more.
     const int32_t closed = LoopbackServer([](LoopbackServer::Connection&) {}).Port();
     const struct {
         std::string host;
         int32_t port;
         int32_t number;
     } cases[] = {
-        {"127.0.0.1", closed, kSckConnectionRefused}, {"", 80, kSckHostNotFound},
-        {"lyrics.invalid", 80, kSckHostNotFound},     {"127.0.0.1", 0, kSckInvalidArg},
+        {"127.0.0.1", closed, kSckConnectionRefused},  // nothing listens there any more
+        {"", 80, kSckHostNotFound},
+        {"lyrics.invalid", 80, kSckHostNotFound},
+        {"127.0.0.1", 0, kSckInvalidArg},
         {"127.0.0.1", 70000, kSckInvalidArg},
     };
     auto socket = this->adapter.MakeSocket();
