@@ -48,11 +48,6 @@ class cCacheTest : public ::testing::Test {
         globals.ProgramFolder = dir.folder();
     }
     std::unique_ptr<cCache> Open() { return std::make_unique<cCache>(globals, shell, random); }
-    // Closes the cache before a new run opens it again.
-    void Reopen(std::unique_ptr<cCache>& cache) {
-        cache.reset();
-        cache = Open();
-    }
     std::string Id() const { return dir.Read("Toval/cache.id"); }
     uintmax_t DatSize() const { return fs::file_size(dir.path() / "Toval" / "cache.dat"); }
 
@@ -87,7 +82,8 @@ TEST_F(cCacheTest, KeepsLyricsPerTrackInTheLocalDataFolderAcrossRuns) {
     EXPECT_EQ(Id(), id);
     EXPECT_EQ(DatSize(), dat);
 
-    Reopen(cache);
+    cache.reset();  // closed before the next run opens it
+    cache = Open();
     EXPECT_EQ(cache->GetLyric(song), Lyric(1500));
     EXPECT_TRUE(cache->DelLyric(song));
     EXPECT_FALSE(cache->DelLyric(song));
@@ -154,7 +150,8 @@ TEST_F(cCacheTest, AWriteCutOffLeavesEveryOtherEntryReadable) {
     cache->HashTable().onSaving = [&] { return ++saves == 1; };
     EXPECT_FALSE(cache->SetLyric(c, Lyric(3000, u'c')));
     EXPECT_EQ(saves, 2);
-    Reopen(cache);
+    cache.reset();
+    cache = Open();
     const bool hasA = cache->GetLyric(a) == Lyric(2000, u'a');
     EXPECT_NE(hasA, cache->GetLyric(b) == Lyric(2000, u'b'));  // one evicted, one whole
     EXPECT_EQ(cache->GetLyric(c), u"");
@@ -165,7 +162,8 @@ TEST_F(cCacheTest, AWriteCutOffLeavesEveryOtherEntryReadable) {
     ASSERT_TRUE(cache->SetLyric(c, Lyric(100, u'c')));
     cache->HashTable().onSaving = [] { return false; };
     EXPECT_FALSE(cache->SetLyric(kept, Lyric(5000, u'n')));
-    Reopen(cache);
+    cache.reset();
+    cache = Open();
     EXPECT_EQ(cache->GetLyric(kept), keptLyric);
     ASSERT_TRUE(cache->SetLyric(kept, Lyric(5000, u'n')));
     EXPECT_EQ(cache->GetLyric(kept), Lyric(5000, u'n'));

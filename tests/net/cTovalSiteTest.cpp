@@ -173,10 +173,7 @@ TEST(cTovalSiteAnswer, SortsEnvelopeBodiesIntoResultCodesAndSaysWhyOnFailure) {
     };
     for (const auto& [data, version] : versions) {
         const auto a = cTovalSite::ReadAnswer(data);
-        EXPECT_EQ(a.hasVersion, version != kUnset) << data;
-        if (a.hasVersion) {
-            EXPECT_EQ(a.version, version) << data;
-        }
+        EXPECT_EQ(a.hasVersion ? a.version : kUnset, version) << data;
     }
 }
 
@@ -218,7 +215,6 @@ TEST_F(TovalSiteTest, UpdateServerWritesTheHostAndSavesTheSettingsGroup) {
     site.Load(music, 2, 2);
     answer("<TOVAL>:UPDATESERVER:new.example:8080</TOVAL>");
     EXPECT_TRUE(site.ServerMoved());
-    EXPECT_EQ(globals.Settings.conn_Server, u"new.example:8080");
     const std::u16string file = dir.folder() + u"Toval" + kPathSeparator + u"config.ini";
     EXPECT_EQ(ini.ReadString(file, "toval", "conn_Server", "", 1024), "new.example:8080");
     // The next request goes to the new host and port.
