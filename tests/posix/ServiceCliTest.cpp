@@ -66,9 +66,7 @@ TEST(ServiceCli, BadCommandLinesExitWithTwoAndSayWhy) {
     EXPECT_NE(Tool({"-h"}).out.find("Exit status"), std::string::npos);
     EXPECT_EQ(Tool({"--version"}).out, "toval-lyric 1.3.1\n");
     EXPECT_NE(Tool({"print", "--", "-h"}).err.find("cannot read '-h'"), std::string::npos);
-    const cCliArgs joined = cCliArgs::Parse({"lookup", "t.mp3", "--artist=A=B", "--duration=215"});
-    EXPECT_EQ(joined.artist, "A=B");
-    EXPECT_EQ(joined.duration, 215);
+    EXPECT_EQ(cCliArgs::Parse({"lookup", "t.mp3", "--artist=A=B"}).artist, "A=B");
 }
 
 TEST(ServiceCli, PrintAndConvertReadAndWriteRealFiles) {
