@@ -2,6 +2,7 @@
 // request, for the tool's tests and the Windows program's evening.
 #pragma once
 
+#include <cstdint>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -11,8 +12,8 @@
 
 namespace toval::test {
 
-// The answer is a body for the envelope, a whole HTTP answer, or kEndless
-// (the head, then silence); ":NOTFOUND" until set.
+// The answer is a body for the envelope, or kEndless (the head, then
+// silence); ":NOTFOUND" until set.
 class FakeLyricService {
   public:
     static constexpr char kEndless[] = "endless";
@@ -21,29 +22,31 @@ class FakeLyricService {
         std::lock_guard lock(mutex_);
         answer_ = std::move(answer);
     }
-    std::vector<std::string> Requests() const { return server_.Requests(); }
+    // Whether the last request holds fragment ("": whether any came).
     bool LastAsked(const std::string& fragment) const {
-        const auto requests = Requests();
-        return !requests.empty() && requests.back().find(fragment) != std::string::npos;
+        std::lock_guard lock(mutex_);
+        return !requests_.empty() && requests_.back().find(fragment) != std::string::npos;
     }
 
   private:
     void Serve(LoopbackServer::Connection& c) {
-        c.ReadRequest();
+        const std::string request = c.ReadRequest();
         std::unique_lock lock(mutex_);
+        requests_.push_back(request);
         const std::string answer = answer_;
         lock.unlock();
         if (answer == kEndless) {
+            // Silence until the client gives up and closes.
+            std::string rest;
             c.Send("HTTP/1.0 200 OK\r\n\r\n<html>");
-            c.WaitForClose(20000);
+            c.Read(rest, SIZE_MAX);
         } else {
-            c.Send(answer.starts_with("HTTP/")
-                       ? answer
-                       : "HTTP/1.0 200 OK\r\n\r\n<html><TOVAL>" + answer + "</TOVAL>");
+            c.Send("HTTP/1.0 200 OK\r\n\r\n<html><TOVAL>" + answer + "</TOVAL>");
         }
     }
     mutable std::mutex mutex_;
     std::string answer_ = ":NOTFOUND";
+    std::vector<std::string> requests_;
     LoopbackServer server_{[this](LoopbackServer::Connection& c) { Serve(c); }};
 };
 

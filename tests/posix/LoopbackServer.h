@@ -30,11 +30,9 @@ inline void SetTimeouts(int fd, int seconds) {
 #include <cstdint>
 #include <cstdlib>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <thread>
-#include <vector>
 
 namespace toval::test {
 
@@ -46,7 +44,7 @@ class LoopbackServer {
         Connection(LoopbackServer& server, int fd) : server_(server), fd_(fd) {}
 
         // Reads one request: the head up to the blank line, then as many body
-        // bytes as its Content-Length names. Recorded in Requests().
+        // bytes as its Content-Length names.
         std::string ReadRequest() {
             std::string request;
             size_t end;
@@ -58,8 +56,6 @@ class LoopbackServer {
                 if (at < end) end += std::strtoul(request.c_str() + at + 18, nullptr, 10);
                 Read(request, end + 4);
             }
-            std::lock_guard lock(server_.mutex_);
-            server_.requests_.push_back(request);
             return request;
         }
 
@@ -87,17 +83,6 @@ class LoopbackServer {
                 bytes.remove_prefix(static_cast<size_t>(n));
             }
             return true;
-        }
-
-        // Waits until the client closes (true) or ms pass (false).
-        bool WaitForClose(int ms) {
-            const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(ms);
-            while (!server_.stop_ && std::chrono::steady_clock::now() < end) {
-                pollfd p{fd_, POLLIN, 0};
-                char c[4096];
-                if (::poll(&p, 1, 10) > 0 && ::recv(fd_, c, sizeof c, 0) <= 0) return true;
-            }
-            return false;
         }
 
       private:
@@ -128,24 +113,8 @@ class LoopbackServer {
         if (listen_ >= 0) CloseSocket(listen_);
     }
 
-    LoopbackServer(const LoopbackServer&) = delete;
-    LoopbackServer& operator=(const LoopbackServer&) = delete;
-
     // The port, or 0 when the server could not start.
     int32_t Port() const { return port_; }
-
-    std::vector<std::string> Requests() const {
-        std::lock_guard lock(mutex_);
-        return requests_;
-    }
-
-    // Reads the request, sends the answer and closes.
-    static Handler Answer(std::string answer) {
-        return [answer = std::move(answer)](Connection& c) {
-            c.ReadRequest();
-            c.Send(answer);
-        };
-    }
 
     // A blocking connection to 127.0.0.1:port, or -1.
     static int ConnectLoopback(int port) {
@@ -161,12 +130,6 @@ class LoopbackServer {
         return -1;
     }
 
-    // A loopback port on which nothing listens (for refused connections).
-    static int32_t ClosedPort() {
-        LoopbackServer probe{nullptr};
-        return probe.Port();
-    }
-
   private:
     void Serve() {
         while (!stop_) {
@@ -175,10 +138,8 @@ class LoopbackServer {
             const int fd = ::accept4(listen_, nullptr, nullptr, SOCK_CLOEXEC);
             if (fd < 0) continue;
             SetTimeouts(fd, 5);
-            if (handler_) {
-                Connection connection(*this, fd);
-                handler_(connection);
-            }
+            Connection connection(*this, fd);
+            handler_(connection);
             CloseSocket(fd);
         }
     }
@@ -187,8 +148,6 @@ class LoopbackServer {
     int listen_ = -1;
     int32_t port_ = 0;
     std::atomic<bool> stop_{false};
-    mutable std::mutex mutex_;
-    std::vector<std::string> requests_;
     std::thread thread_;
 };
 

@@ -7,7 +7,6 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 
-#include <cstdint>
 #include <filesystem>
 #include <sstream>
 #include <string>
@@ -66,12 +65,8 @@ TEST(ServiceCli, BadCommandLinesExitWithTwoAndSayWhy) {
     EXPECT_EQ(Tool({"lookup", "--bogus", "--help"}).code, kExitOk);
     EXPECT_NE(Tool({"-h"}).out.find("Exit status"), std::string::npos);
     EXPECT_EQ(Tool({"--version"}).out, "toval-lyric 1.3.1\n");
-    const cCliArgs dashed = cCliArgs::Parse({"print", "--", "-odd.tvl"});
-    EXPECT_EQ(dashed.error, "");
-    EXPECT_EQ(dashed.file, "-odd.tvl");
-    const cCliArgs joined = cCliArgs::Parse({"lookup", "t.mp3", "--artist=A=B", "--duration=215"});
-    EXPECT_EQ(joined.artist, "A=B");
-    EXPECT_EQ(joined.duration, 215);
+    EXPECT_NE(Tool({"print", "--", "-h"}).err.find("cannot read '-h'"), std::string::npos);
+    EXPECT_EQ(cCliArgs::Parse({"lookup", "t.mp3", "--artist=A=B"}).artist, "A=B");
 }
 
 TEST(ServiceCli, PrintAndConvertReadAndWriteRealFiles) {
@@ -131,7 +126,7 @@ TEST(ServiceCli, LookupFindsBesideTheTrackInTheCacheAndAtTheService) {
         return Tool(args);
     };
     EXPECT_EQ(lookup({}).code, kExitNotFound);
-    EXPECT_TRUE(service.Requests().empty()) << "no --server, no service";
+    EXPECT_FALSE(service.LastAsked("")) << "no --server, no service";
     service.setAnswer("[500]from the service<br>[900]again");
     Outcome o = lookup({"--server", server, "--format", "text"});
     EXPECT_EQ(o.code, kExitOk) << o.err;
@@ -199,29 +194,6 @@ TEST(ServiceCli, TheBinaryExitsWithTheDocumentedCodes) {
     EXPECT_EQ(WEXITSTATUS(Shell(tool + " print /nonexistent/x.tvl")), 3);
 }
 
-// Little-endian fields of a RIFF file.
-std::string U32(uint32_t v) {
-    return {char(v), char(v >> 8), char(v >> 16), char(v >> 24)};
-}
-std::string U16(uint16_t v) {
-    return {char(v), char(v >> 8)};
-}
-std::string Chunk(const std::string& id, std::string body) {
-    if (body.size() % 2) body += '\0';
-    return id + U32(static_cast<uint32_t>(body.size())) + body;
-}
-
-// One second of 8 kHz mono silence with a RIFF INFO list: title, artist, album.
-std::string TaggedWav() {
-    const std::string fmt = U16(1) + U16(1) + U32(8000) + U32(16000) + U16(2) + U16(16);
-    const std::string info = "INFO" + Chunk("INAM", std::string("Wav Title") + '\0') +
-                             Chunk("IART", std::string("Wav Artist") + '\0') +
-                             Chunk("IPRD", std::string("Wav Album") + '\0');
-    const std::string body =
-        "WAVE" + Chunk("fmt ", fmt) + Chunk("data", std::string(16000, '\0')) + Chunk("LIST", info);
-    return "RIFF" + U32(static_cast<uint32_t>(body.size())) + body;
-}
-
 TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
     TempDir dir;
     const auto at = [&](const char* name) { return (dir.path() / name).string(); };
@@ -230,8 +202,7 @@ TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
     ASSERT_TRUE(
         MakeAudio(at("a.mp3"), {"Title=Mp3 Title", "Artist=Mp3 Artist", "Album=Mp3 Album"}, 2.5));
     ASSERT_TRUE(MakeAudio(at("a.ogg"), {"TITLE=Ogg Title", "ARTIST=Ogg Artist"}, 2.5));
-    ASSERT_TRUE(MakeAudio(at("bare.flac"), {}, 2.5));
-    std::filesystem::copy_file(at("bare.flac"), at("utf8.flac"));
+    ASSERT_TRUE(MakeAudio(at("utf8.flac"), {}, 2.5));
     // A title with a line break, an artist past the record's width in two-byte letters.
     std::string longArtist = "a";
     for (int i = 0; i < 600; ++i)
@@ -242,7 +213,9 @@ TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
                     at("utf8.flac") + "'"),
               0);
     std::filesystem::copy_file(at("a.ogg"), at("ogg-named.mp3"));
-    dir.Write("tagged.wav", TaggedWav());
+    // A WAV file whose tags are only in its RIFF INFO list: title T, artist A, album B.
+    std::filesystem::copy_file(
+        std::string(TOVAL_SOURCE_DIR) + "/fuzz/corpus/fuzz_audiotags/seed.wav", at("tagged.wav"));
     ASSERT_EQ(::mkfifo(at("pipe.mp3").c_str(), 0600), 0);
 
     const std::string cutArtist = longArtist.substr(0, 1023);  // a whole letter less
@@ -252,16 +225,14 @@ TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
     } cases[] = {
         {at("a.mp3"), {"Mp3 Artist", "Mp3 Album", "Mp3 Title", 2500}},
         {at("ogg-named.mp3"), {"Ogg Artist", "", "Ogg Title", 2500}},  // told by content
-        {at("bare.flac"), {"", "", "", 2500}},
         {at("utf8.flac"), {cutArtist, "\xC3\x81g\xC3\xA6tis byrjun", "Two lines", 2500}},
-        {at("tagged.wav"), {"Wav Artist", "Wav Album", "Wav Title", 1000}},
+        {at("tagged.wav"), {"A", "B", "T", 12}},
         {at("pipe.mp3"), {}},  // would block a reader that opened it
     };
     for (const auto& c : cases) {
         const cAudioTags got = ReadAudioTags(c.path);
-        EXPECT_EQ(got.artist, c.tags.artist) << c.path;
-        EXPECT_EQ(got.album, c.tags.album) << c.path;
-        EXPECT_EQ(got.title, c.tags.title) << c.path;
+        EXPECT_EQ(std::tie(got.artist, got.album, got.title),
+                  std::tie(c.tags.artist, c.tags.album, c.tags.title));
         // Encoders pad the sound by a few frames.
         EXPECT_NEAR(got.milliseconds, c.tags.milliseconds, c.tags.milliseconds < 0 ? 0 : 250)
             << c.path;
@@ -269,10 +240,6 @@ TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
             EXPECT_EQ(ReadAudioTagsFromMemory(dir.Read(c.path)).title, got.title) << c.path;
         }
     }
-    // Every prefix of a tagged file reads without failing (the fuzz target goes further).
-    const std::string flac = dir.Read("utf8.flac");
-    for (size_t size = 0; size < flac.size(); size += 97)
-        ReadAudioTagsFromMemory(std::string_view(flac).substr(0, size));
 }
 
 TEST(TagReader, LookupTakesTheTrackTagsAndTheOptionsWin) {
@@ -292,11 +259,11 @@ TEST(TagReader, LookupTakesTheTrackTagsAndTheOptionsWin) {
             "lookup",   track,          "--format", "lrc",
             "--server", service.Host(), "--cache",  cache.path().string()};
         args.insert(args.end(), extra.begin(), extra.end());
-        std::ostringstream out, err;
-        EXPECT_EQ(cCliMain(out, err).Run(args), kExitOk) << err.str();
-        EXPECT_EQ(out.str().substr(0, out.str().find("[re:")),
+        const Outcome o = Tool(args);
+        EXPECT_EQ(o.code, kExitOk) << o.err;
+        EXPECT_EQ(o.out.substr(0, o.out.find("[re:")),
                   std::string(head) + "[ti:Harbour Lanterns]\r\n");
-        EXPECT_TRUE(service.LastAsked(asked)) << service.Requests().back();
+        EXPECT_TRUE(service.LastAsked(asked));
     }
 }
 

@@ -48,10 +48,6 @@ using Adapters = ::testing::Types<PosixAdapter>;
 #endif  // TOVAL_QT_ADAPTER
 #endif  // _WIN32
 
-std::string Url(int32_t port, const std::string& path) {
-    return "http://127.0.0.1:" + std::to_string(port) + path;
-}
-
 template <class Adapter>
 class InternetLoopbackTest : public ::testing::Test {
   protected:
@@ -61,12 +57,11 @@ class InternetLoopbackTest : public ::testing::Test {
         net.onieEvent = [this](int16_t s) { states.push_back(s); };
     }
 
-    // Runs one GET to its event; the state, or 0 when none came in time.
-    int16_t fetch(const std::string& url, int32_t limitMs = 8000) {
+    // Runs one GET on the port to its event; the state, or 0 when none came in time.
+    int16_t fetch(int32_t port) {
         const size_t before = states.size();
-        net.getPage(url, 1, "", true);
-        return adapter.RunUntil([&] { return states.size() > before; }, limitMs) ? states.back()
-                                                                                 : 0;
+        net.getPage("http://127.0.0.1:" + std::to_string(port) + "/", 1, "", true);
+        return adapter.RunUntil([&] { return states.size() > before; }, 8000) ? states.back() : 0;
     }
 
     Adapter adapter;
@@ -81,45 +76,32 @@ TYPED_TEST_SUITE(InternetLoopbackTest, Adapters);
 // in the kernel's pieces and arrives whole.
 TYPED_TEST(InternetLoopbackTest, ABigAnswerComesBackWhole) {
     const std::string big(1 << 20, 'z');
-    LoopbackServer server(LoopbackServer::Answer("HTTP/1.0 200 OK\r\nX: y\r\n\r\n" + big));
-    ASSERT_NE(server.Port(), 0);
-    ASSERT_EQ(this->fetch(Url(server.Port(), "/x?y=1")), kInternetSuccess);
+    LoopbackServer server([&](LoopbackServer::Connection& c) {
+        c.ReadRequest();
+        c.Send("HTTP/1.0 200 OK\r\nX: y\r\n\r\n" + big);
+    });
+    ASSERT_EQ(this->fetch(server.Port()), kInternetSuccess);
     EXPECT_EQ(this->net.Data(), big);
 }
 
 TYPED_TEST(InternetLoopbackTest, ServersThatCloseEarlyFailWithTheirReason) {
     using C = cNetError::Category;
-    const struct {
-        const char* what;
-        LoopbackServer::Handler handler;
-        C category, orElse;
-    } cases[] = {
-        // Closing with the request unread resets the connection, unless the
-        // close arrives before the request leaves.
-        {"closes at once", [](LoopbackServer::Connection&) {}, C::kConnection, C::kBadAnswer},
-        {"closes after the request", [](LoopbackServer::Connection& c) { c.ReadRequest(); },
-         C::kBadAnswer, C::kBadAnswer},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        LoopbackServer server(c.handler);
-        EXPECT_EQ(this->fetch(Url(server.Port(), "/")), kInternetFailure);
+    for (const bool readsRequest : {false, true}) {
+        LoopbackServer server([&](LoopbackServer::Connection& c) {
+            if (readsRequest) c.ReadRequest();
+        });
+        EXPECT_EQ(this->fetch(server.Port()), kInternetFailure);
+        // Closing with the request unread resets the connection, unless the close
+        // arrives before the request leaves; closing after it is an empty answer.
         const C category = this->net.Error().category;
-        EXPECT_TRUE(category == c.category || category == c.orElse) << this->net.Error().message;
+        EXPECT_TRUE(category == C::kBadAnswer || (!readsRequest && category == C::kConnection))
+            << this->net.Error().message;
         EXPECT_EQ(this->net.Data(), "");
     }
 }
 
 // The port's own promises, which every adapter keeps.
-template <class Adapter>
-class SocketAdapterTest : public ::testing::Test {
-  protected:
-    Adapter adapter;
-};
-
-TYPED_TEST_SUITE(SocketAdapterTest, Adapters);
-
-TYPED_TEST(SocketAdapterTest, EventsComeFromTheLoopInOrder) {
+TYPED_TEST(InternetLoopbackTest, EventsComeFromTheLoopInOrder) {
     LoopbackServer server([](LoopbackServer::Connection& c) {
         std::string got;
         if (c.Read(got, 4)) c.Send("echo:" + got);
@@ -158,13 +140,14 @@ TYPED_TEST(SocketAdapterTest, EventsComeFromTheLoopInOrder) {
     EXPECT_EQ(socket->State(), kSckClosed);
 }
 
-TYPED_TEST(SocketAdapterTest, FailuresArriveAsErrorEventsWithTheWinsockNumbers) {
+TYPED_TEST(InternetLoopbackTest, FailuresArriveAsErrorEventsWithTheWinsockNumbers) {
+    const int32_t closed = LoopbackServer([](LoopbackServer::Connection&) {}).Port();
     const struct {
         std::string host;
         int32_t port;
         int32_t number;
     } cases[] = {
-        {"127.0.0.1", LoopbackServer::ClosedPort(), kSckConnectionRefused},
+        {"127.0.0.1", closed, kSckConnectionRefused},  // nothing listens there any more
         {"", 80, kSckHostNotFound},
         {"lyrics.invalid", 80, kSckHostNotFound},
         {"127.0.0.1", 0, kSckInvalidArg},
@@ -172,9 +155,7 @@ TYPED_TEST(SocketAdapterTest, FailuresArriveAsErrorEventsWithTheWinsockNumbers) 
     };
     auto socket = this->adapter.MakeSocket();
     std::vector<int32_t> errors;
-    bool connected = false;
     socket->onError = [&](int32_t number, const std::string&) { errors.push_back(number); };
-    socket->onConnect = [&] { connected = true; };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.host + ":" + std::to_string(c.port));
         errors.clear();
@@ -193,10 +174,9 @@ TYPED_TEST(SocketAdapterTest, FailuresArriveAsErrorEventsWithTheWinsockNumbers) 
     socket->Close();
     this->adapter.RunUntil([] { return false; }, 100);
     EXPECT_EQ(errors.size(), 1u);
-    EXPECT_FALSE(connected);
 }
 
-TYPED_TEST(SocketAdapterTest, TimerTicksOnlyWhileEnabledWithAnInterval) {
+TYPED_TEST(InternetLoopbackTest, TimerTicksOnlyWhileEnabledWithAnInterval) {
     auto timer = this->adapter.MakeTimer();
     int ticks = 0;
     timer->onTimer = [&] { ++ticks; };
