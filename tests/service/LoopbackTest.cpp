@@ -27,40 +27,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// The program's side: one cTovalSite on the POSIX loop.
-class Client {
-  public:
-    explicit Client(int port) {
-        const std::string host = "127.0.0.1:" + std::to_string(port);
-        globals.Settings.conn_Server = std::u16string(host.begin(), host.end());
-        timer->setInterval(kInternetTimeout);
-        site.setSocket(std::make_shared<cPosixSocket>(loop));
-        site.setTime(timer);
-        site.onToval = [this](int32_t result, int32_t) { results.push_back(result); };
-    }
-    int32_t Load(const cMusic& track, int32_t mode) {
-        site.Load(track, 1, mode);
-        return Await();
-    }
-    int32_t Save(const cMusic& track, const std::shared_ptr<cLyric>& lyric) {
-        site.Save(track, lyric, 1);
-        return Await();
-    }
-
-    cPosixLoop loop;
-    cGlobals globals;
-    std::shared_ptr<cPosixTimer> timer = std::make_shared<cPosixTimer>(loop);
-    cTovalSite site{globals};
-    std::vector<int32_t> results;
-
-  private:
-    int32_t Await() {
-        const size_t want = results.size() + 1;
-        if (!loop.RunUntil([&] { return results.size() >= want; }, 15000)) return -1;
-        return results.back();
-    }
-};
-
 // A raw client: what it got back, and whether the service closed within 5 s.
 struct Raw {
     std::string answer;
@@ -98,25 +64,43 @@ TEST(ServiceLoopback, TheProgramLooksUpSendsAndHearsOfANewVersion) {
     TempDir dir;
     ServiceProcess service({"--db", (dir.path() / "l.db").string(), "--announce", "1030002"});
     ASSERT_NE(service.Port(), 0) << service.Log();
-    Client client(service.Port());
+    // The program's side: its client on the POSIX loop.
+    cPosixLoop loop;
+    cGlobals globals;
+    const std::string host = "127.0.0.1:" + std::to_string(service.Port());
+    globals.Settings.conn_Server = std::u16string(host.begin(), host.end());
+    const auto timer = std::make_shared<cPosixTimer>(loop);
+    timer->setInterval(kInternetTimeout);
+    std::vector<int32_t> results;
+    cTovalSite site{globals};
+    site.setSocket(std::make_shared<cPosixSocket>(loop));
+    site.setTime(timer);
+    site.onToval = [&](int32_t result, int32_t) { results.push_back(result); };
+    const auto await = [&] {  // the result of the request just started; -1 when none came
+        const size_t want = results.size() + 1;
+        return loop.RunUntil([&] { return results.size() >= want; }, 15000) ? results.back() : -1;
+    };
     cMusic track;
     track.setArtist(u"Ann \u00c9lise");
     track.setTitle(u"Harbour & <Lights>");
     track.setMiliDuration(215000);
 
-    EXPECT_EQ(client.Load(track, 0), cTovalSite::kNotFound);
-    EXPECT_EQ(client.globals.lastUpdateVersion, 1030002);
+    site.Load(track, 1, 0);
+    EXPECT_EQ(await(), cTovalSite::kNotFound);
+    EXPECT_EQ(globals.lastUpdateVersion, 1030002);
 
     // Text that the answer's envelope and HTML decoding must carry intact.
     const auto sent = std::make_shared<cLyric>();
     sent->setLoad(
         u"[PROPERTY]\r\nMUTATION:4242\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY]"
         u"[1000]<1000>Caf\u00e9 <1500>& <1800>\u4e2d\r\n[2000]</TOVAL> <br> :x\r\n[]\r\n");
-    EXPECT_EQ(client.Save(track, sent), cTovalSite::kSuccess);
+    site.Save(track, sent, 1);
+    EXPECT_EQ(await(), cTovalSite::kSuccess);
 
-    EXPECT_EQ(client.Load(track, 0), cTovalSite::kLyric);
+    site.Load(track, 1, 0);
+    EXPECT_EQ(await(), cTovalSite::kLyric);
     cLyric back;
-    back.setLoad(client.site.Lyric());
+    back.setLoad(site.Lyric());
     EXPECT_EQ(back.TVL(), sent->TVL());  // its properties hold the revision 4242
 
     EXPECT_EQ(service.Stop(5000), 0);
@@ -164,7 +148,6 @@ TEST(ServiceLoopback, HostileClientsAreCutOffAndOthersStillServed) {
         const int fd = LoopbackServer::ConnectLoopback(port);
         if (fd >= 0) idlers.push_back(fd);
     }
-    EXPECT_EQ(static_cast<int>(idlers.size()), idle);
     std::this_thread::sleep_for(std::chrono::milliseconds(3500));
     int closed = 0;
     for (int fd : idlers) {
