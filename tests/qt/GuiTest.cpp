@@ -70,14 +70,6 @@ void OnModal(std::function<void(QWidget*)> act) {
     });
 }
 
-// Takes a picture of the next modal window or menu, then closes it.
-void CloseModal(const char* name) {
-    OnModal([name](QWidget* w) {
-        Grab(w, name);
-        if (w) w->close();
-    });
-}
-
 bool Have(const char* program) {
     return !QStandardPaths::findExecutable(QString::fromLatin1(program)).isEmpty();
 }
@@ -93,9 +85,7 @@ class Mpv {
         process_.start("mpv", args + files);
         process_.waitForStarted(5000);
     }
-    ~Mpv() { Quit(); }
-    void Quit() {
-        if (process_.state() == QProcess::NotRunning) return;
+    ~Mpv() {
         process_.terminate();
         if (!process_.waitForFinished(5000)) process_.kill();
         process_.waitForFinished(2000);
@@ -180,8 +170,6 @@ class GuiTest : public ::testing::Test {
                     "[500]<500>Second <900>song <1300>opens\r\n[3000]<3000>and <3400>goes "
                     "<3800>on\r\n");
     }
-    void TearDown() override { program_.reset(); }
-
     // The program, with these lines in its config.ini.
     void Start(const std::string& config) {
         fs::create_directories(home_.path() / "XDG_CONFIG_HOME/Toval");
@@ -209,7 +197,7 @@ class GuiTest : public ::testing::Test {
     int32_t Word() { return Display() ? Display()->CurrentWord() : kUnset; }
 
     TempDir home_;
-    std::unique_ptr<cQtProgram> program_;
+    std::unique_ptr<cQtProgram> program_;  // ends before its folders go
 };
 
 TEST_F(GuiTest, HighlightFollowsPlayersThatComeGoAndSendGarbage) {
@@ -302,7 +290,10 @@ TEST_F(GuiTest, EditorRefusedWithoutAPlayerTimesThePlayingTrackAndSavesTheLyricB
     Grab(window, "editor-text");
 
     // Step 2 opens with the timing help.
-    CloseModal("editor-help");
+    OnModal([](QWidget* help) {
+        Grab(help, "editor-help");
+        if (help) help->close();
+    });
     click("cmdNext");
     ASSERT_EQ(editor.Step(), 2);
     const int32_t start = program_->Bridge().Position().At(program_->Bridge().Now());
