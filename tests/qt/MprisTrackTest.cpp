@@ -83,7 +83,6 @@ TEST(MprisTrack, TagRecordReadsBackThroughThePluginLink) {
     cMprisMetadata m;
     m.url = "file:///music/caf%C3%A9.flac";
     m.artist = "Toval Samples";
-    m.album = "";
     m.title = "Harbour Lanterns";
     m.lengthUs = 19'500'999;
     EXPECT_EQ(Read(m).Fields(),

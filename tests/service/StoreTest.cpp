@@ -25,7 +25,6 @@ namespace {
 using service::cLyricRecord;
 using service::cLyricService;
 using service::cServiceOptions;
-using service::iLyricStore;
 using service::LyricKind;
 
 const std::string kWords =
@@ -78,7 +77,7 @@ class StoreTest : public ::testing::TestWithParam<const char*> {
     }
 
     TempDir dir;
-    std::unique_ptr<iLyricStore> store;
+    std::unique_ptr<service::iLyricStore> store;
 };
 
 TEST_P(StoreTest, KeepsEveryFieldAndEveryRevisionInOrder) {
