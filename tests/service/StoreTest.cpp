@@ -36,18 +36,16 @@ std::string Enc(const std::string& text) {
     return cStrings().stringTOhtml(text);
 }
 
+// A look-up's form as the program sends it; a send's adds the lyric.
 std::string GetQuery(const std::string& artist, const std::string& title, int dur, int mut,
                      const std::string& album = "") {
     return "art=" + Enc(artist) + "&alb=" + Enc(album) + "&tit=" + Enc(title) +
-           "&dur=" + std::to_string(dur) + "&siz=1&mut=" + std::to_string(mut) +
-           "&vrs=1030001&get=Get";
+           "&dur=" + std::to_string(dur) + "&siz=1&mut=" + std::to_string(mut) + "&vrs=1030001";
 }
 std::string SendBody(const std::string& artist, const std::string& title, int dur, int mut,
                      const std::string& lyric, const std::string& album = "",
                      const std::string& key = "tvl") {
-    return "art=" + Enc(artist) + "&alb=" + Enc(album) + "&tit=" + Enc(title) +
-           "&dur=" + std::to_string(dur) + "&siz=1&mut=" + std::to_string(mut) + "&vrs=1030001&" +
-           key + "=" + Enc(lyric) + "&add=Add";
+    return GetQuery(artist, title, dur, mut, album) + "&" + key + "=" + Enc(lyric);
 }
 // Every field of a record, to compare whole records.
 auto Fields(const cLyricRecord& r) {
