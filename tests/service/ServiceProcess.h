@@ -66,7 +66,6 @@ class ServiceProcess {
         while (std::chrono::steady_clock::now() < end) {
             if (::waitpid(pid_, &status, WNOHANG) == pid_) {
                 exited_ = true;
-                ReadLog();
                 return status;
             }
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
