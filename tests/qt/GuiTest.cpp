@@ -70,14 +70,6 @@ void OnModal(std::function<void(QWidget*)> act) {
     });
 }
 
-// Takes a picture of the next modal window or menu, then closes it.
-void CloseModal(const char* name) {
-    OnModal([name](QWidget* w) {
-        Grab(w, name);
-        if (w) w->close();
-    });
-}
-
 bool Have(const char* program) {
     return !QStandardPaths::findExecutable(QString::fromLatin1(program)).isEmpty();
 }
@@ -93,9 +85,7 @@ class Mpv {
         process_.start("mpv", args + files);
         process_.waitForStarted(5000);
     }
-    ~Mpv() { Quit(); }
-    void Quit() {
-        if (process_.state() == QProcess::NotRunning) return;
+    ~Mpv() {
         process_.terminate();
         if (!process_.waitForFinished(5000)) process_.kill();
         process_.waitForFinished(2000);
@@ -128,10 +118,9 @@ class GarbagePlayer final : public QDBusVirtualObject {
     QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
         if (message.member() == "GetAll") {
+            // (What the bridge makes of each wrong field is its own unit test's.)
             QVariantMap metadata{{"xesam:title", 12},
-                                 {"xesam:artist", QString(200000, QChar(0x05D0))},
-                                 {"xesam:url", "file://%%%/\x01"},
-                                 {"mpris:length", qlonglong{-9}}};
+                                 {"xesam:artist", QString(200000, QChar(0x05D0))}};
             QVariantMap all{
                 {"PlaybackStatus", "Playing"}, {"Rate", "fast"}, {"Metadata", metadata}};
             connection.send(message.createReply(QVariant::fromValue(all)));
@@ -180,15 +169,14 @@ class GuiTest : public ::testing::Test {
                     "[PROPERTY]\r\nMUTATION:7\r\nTRACKLENGTH:20000\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY]"
                     "[500]<500>Second <900>song <1300>opens\r\n[3000]<3000>and <3400>goes "
                     "<3800>on\r\n");
-        if (!language_.empty()) {
-            fs::create_directories(home_.path() / "XDG_CONFIG_HOME/Toval");
-            home_.Write("XDG_CONFIG_HOME/Toval/config.ini",
-                        "[toval]\r\nlanguage_name=" + language_ + "\r\n");
-        }
+    }
+    // The program, with these lines in its config.ini.
+    void Start(const std::string& config) {
+        fs::create_directories(home_.path() / "XDG_CONFIG_HOME/Toval");
+        home_.Write("XDG_CONFIG_HOME/Toval/config.ini", "[toval]\r\n" + config);
         program_ = std::make_unique<cQtProgram>(cQtProgram::Options{});
         ASSERT_TRUE(program_->Start());
     }
-    void TearDown() override { program_.reset(); }
 
     QString Track(const char* name) const {
         return QString::fromStdString((home_.path() / name).string());
@@ -209,16 +197,11 @@ class GuiTest : public ::testing::Test {
     int32_t Word() { return Display() ? Display()->CurrentWord() : kUnset; }
 
     TempDir home_;
-    std::string language_;
-    std::unique_ptr<cQtProgram> program_;
-};
-
-class HebrewGuiTest : public GuiTest {
-  protected:
-    HebrewGuiTest() { language_ = "heil"; }
+    std::unique_ptr<cQtProgram> program_;  // ends before its folders go
 };
 
 TEST_F(GuiTest, HighlightFollowsPlayersThatComeGoAndSendGarbage) {
+    ASSERT_NO_FATAL_FAILURE(Start(""));
     auto mpv = std::make_unique<Mpv>(QStringList{Track("a.flac"), Track("b.flac")});
     ASSERT_TRUE(WaitFor([&] { return FirstLine() == u"Lanterns on the harbour wall"; }, 10000));
     // Line 1 starts at 4.2 s, its second word at 4.8 s.
@@ -231,10 +214,8 @@ TEST_F(GuiTest, HighlightFollowsPlayersThatComeGoAndSendGarbage) {
 
     mpv->Call("Pause");
     Pump(400);
-    const int32_t line = Line();
     const int32_t at = program_->Bridge().Position().At(0);
     Pump(1500);
-    EXPECT_EQ(Line(), line);
     EXPECT_EQ(program_->Bridge().Position().At(0), at);
     mpv->Call("Play");
 
@@ -274,12 +255,34 @@ TEST_F(GuiTest, HighlightFollowsPlayersThatComeGoAndSendGarbage) {
         << QString::fromStdU16String(FirstLine()).toStdString();
 }
 
-TEST_F(GuiTest, EditorTimesThePlayingTrackWithTheArrowKeysAndSavesTheLyricBesideIt) {
+// In Hebrew, its windows mirrored.
+TEST_F(GuiTest, EditorRefusedWithoutAPlayerTimesThePlayingTrackAndSavesTheLyricBesideIt) {
+    ASSERT_NO_FATAL_FAILURE(Start("language_name=heil\r\n"));
+    // No player: the editor is refused with a mirrored message.
+    Qt::LayoutDirection direction = Qt::LeftToRight;
+    OnModal([&](QWidget* box) {
+        if (!box) return;
+        direction = box->layoutDirection();
+        Grab(box, "hebrew-message");
+        box->close();
+    });
+    program_->OpenEditor();
+    EXPECT_EQ(program_->Editor(), nullptr);
+    EXPECT_EQ(direction, Qt::RightToLeft);
+    program_->Window().onMenu(QPoint(600, 300));
+    Pump(200);
+    QWidget* menu = QApplication::activePopupWidget();
+    ASSERT_NE(menu, nullptr);
+    Grab(menu, "hebrew-menu");
+    EXPECT_EQ(menu->layoutDirection(), Qt::RightToLeft);
+    menu->close();
+
     Mpv mpv({Track("a.flac")});
     ASSERT_TRUE(WaitFor([&] { return Tagged() && !FirstLine().empty(); }, 10000));
     program_->OpenEditor();
     cEditorWindow* window = program_->Editor();
     ASSERT_NE(window, nullptr);
+    EXPECT_EQ(window->layoutDirection(), Qt::RightToLeft);
     cEditor& editor = window->Editor();
     const auto click = [&](const char* name) { window->findChild<QPushButton*>(name)->click(); };
     window->findChild<QPlainTextEdit*>("txtEdit")->setPlainText("Lamps on the quay\nand the tide");
@@ -287,7 +290,10 @@ TEST_F(GuiTest, EditorTimesThePlayingTrackWithTheArrowKeysAndSavesTheLyricBeside
     Grab(window, "editor-text");
 
     // Step 2 opens with the timing help.
-    CloseModal("editor-help");
+    OnModal([](QWidget* help) {
+        Grab(help, "editor-help");
+        if (help) help->close();
+    });
     click("cmdNext");
     ASSERT_EQ(editor.Step(), 2);
     const int32_t start = program_->Bridge().Position().At(program_->Bridge().Now());
@@ -327,36 +333,6 @@ TEST_F(GuiTest, EditorTimesThePlayingTrackWithTheArrowKeysAndSavesTheLyricBeside
     EXPECT_LE(times.back(), end);
     window->close();
     EXPECT_TRUE(WaitFor([&] { return program_->Editor() == nullptr; }, 2000));
-}
-
-TEST_F(HebrewGuiTest, TheEditorRefusesAnUntaggedTrackInHebrewAndMirrorsItsWindow) {
-    // No player: the editor is refused with a mirrored message.
-    Qt::LayoutDirection direction = Qt::LeftToRight;
-    OnModal([&](QWidget* box) {
-        if (!box) return;
-        direction = box->layoutDirection();
-        Grab(box, "hebrew-message");
-        box->close();
-    });
-    program_->OpenEditor();
-    EXPECT_EQ(program_->Editor(), nullptr);
-    EXPECT_EQ(direction, Qt::RightToLeft);
-
-    // The tray menu, mirrored.
-    program_->Window().onMenu(QPoint(600, 300));
-    Pump(200);
-    QWidget* menu = QApplication::activePopupWidget();
-    ASSERT_NE(menu, nullptr);
-    Grab(menu, "hebrew-menu");
-    EXPECT_EQ(menu->layoutDirection(), Qt::RightToLeft);
-    menu->close();
-
-    Mpv mpv({Track("a.flac")});
-    ASSERT_TRUE(WaitFor([&] { return Tagged() && !FirstLine().empty(); }, 10000));
-    program_->OpenEditor();
-    ASSERT_NE(program_->Editor(), nullptr);
-    EXPECT_EQ(program_->Editor()->layoutDirection(), Qt::RightToLeft);
-    Grab(program_->Editor(), "hebrew-editor");
 }
 
 }  // namespace

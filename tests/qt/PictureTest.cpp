@@ -40,7 +40,6 @@ TEST(QtPicture, ABoxPaintedAgainShowsItsLastTextAloneAndKeepsNoHistory) {
         picture.PaintText(u"WWWWW", box, kDtLyricText);
     };
     paint(far, kRed);
-    paint(word, kRed);
     // A word highlighted and put back a thousand times: the list stays small.
     for (int i = 0; i < 1000; ++i)
         paint(word, i % 2 ? kRed : kBlue);

@@ -1,5 +1,6 @@
-// A store in memory, for the fuzz target: the service's answers without a
-// database. It holds at most a hundred lyrics and then fails like a full disk.
+// A store in memory, for the service's unit tests and the fuzz target: the
+// service's answers without a database. It holds at most a hundred lyrics and
+// then fails like a full disk.
 #pragma once
 
 #include <mutex>

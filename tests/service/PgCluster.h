@@ -2,7 +2,7 @@
 // from Debian's postgresql package, listening only on a Unix socket in a temp
 // folder, stopped and removed at the end of the test program. PostgreSQL
 // refuses to run as root, so as root the cluster runs as "nobody". Where it
-// cannot start, Conninfo() is empty and Why() says why (the tests skip).
+// cannot start, NewDatabase() is empty and Why() says why (the tests skip).
 #pragma once
 
 #include <pwd.h>
@@ -28,14 +28,8 @@ class PgCluster {
     std::string NewDatabase() {
         if (dir_.empty()) return {};
         const std::string name = "t" + std::to_string(++databases_);
-        try {
-            pqxx::connection c(Conninfo("postgres"));
-            pqxx::nontransaction w(c);
-            w.exec0("CREATE DATABASE " + name);
-        } catch (const std::exception& e) {
-            why_ = e.what();
-            return {};
-        }
+        pqxx::connection c(Conninfo("postgres"));
+        pqxx::nontransaction(c).exec0("CREATE DATABASE " + name);
         return Conninfo(name);
     }
 
@@ -69,7 +63,8 @@ class PgCluster {
             const passwd* nobody = ::getpwnam("nobody");
             if (!nobody || ::chown(name, nobody->pw_uid, nobody->pw_gid) != 0) {
                 why_ = "running as root and cannot hand a folder to nobody";
-                Drop();
+                std::filesystem::remove_all(dir_, ec);
+                dir_.clear();
                 return;
             }
             as_ = "runuser -u nobody -- ";
@@ -89,11 +84,6 @@ class PgCluster {
         return "host=" + dir_ + " user=toval dbname=" + database;
     }
     bool Run(const std::string& command) const { return std::system((as_ + command).c_str()) == 0; }
-    void Drop() {
-        std::error_code ec;
-        std::filesystem::remove_all(dir_, ec);
-        dir_.clear();
-    }
 
     std::string bin_, dir_, as_, why_;
     int databases_ = 0;

@@ -5,7 +5,6 @@
 #pragma once
 
 #include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -37,14 +36,13 @@ class ServiceProcess {
             ::_exit(127);
         }
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (port_ == 0 && std::chrono::steady_clock::now() < end && Running()) {
+        while (pid_ > 0 && !exited_ && port_ == 0 && std::chrono::steady_clock::now() < end) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            exited_ = ::waitpid(pid_, nullptr, WNOHANG) == pid_;
             ReadLog();
-            const size_t at = log_.find("listening on ");
-            const size_t eol = log_.find('\n', at);
-            if (at == std::string::npos || eol == std::string::npos) continue;
-            const std::string where = log_.substr(at, eol - at);
-            port_ = std::stoi(where.substr(where.rfind(':') + 1));
+            // "toval-service: listening on 127.0.0.1:PORT"
+            const size_t eol = log_.find('\n', log_.find("listening on "));
+            if (eol != std::string::npos) port_ = std::stoi(log_.substr(log_.rfind(':', eol) + 1));
         }
     }
     ~ServiceProcess() {
@@ -58,21 +56,16 @@ class ServiceProcess {
     ServiceProcess& operator=(const ServiceProcess&) = delete;
 
     int Port() const { return port_; }
-    std::u16string Host() const {
-        const std::string host = "127.0.0.1:" + std::to_string(port_);
-        return std::u16string(host.begin(), host.end());
-    }
 
-    // Sends the signal and waits up to limitMs for the exit; the exit status
+    // Sends SIGTERM and waits up to limitMs for the exit; the exit status
     // (as waitpid gives it), or -1 when the process did not end.
-    int Stop(int signal, int limitMs) {
-        ::kill(pid_, signal);
+    int Stop(int limitMs) {
+        ::kill(pid_, SIGTERM);
         const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(limitMs);
         int status = 0;
         while (std::chrono::steady_clock::now() < end) {
             if (::waitpid(pid_, &status, WNOHANG) == pid_) {
                 exited_ = true;
-                ReadLog();
                 return status;
             }
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -84,13 +77,6 @@ class ServiceProcess {
     const std::string& Log() {
         ReadLog();
         return log_;
-    }
-
-    bool Running() {
-        if (pid_ <= 0 || exited_) return false;
-        int status = 0;
-        if (::waitpid(pid_, &status, WNOHANG) == pid_) exited_ = true;
-        return !exited_;
     }
 
   private:

@@ -5,19 +5,16 @@
 
 #include <windows.h>
 
-#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <vector>
 
 #include "cWindow.h"
 
 namespace toval::test {
 
 // The demo player's test messages (see app/demo-player/main.cpp).
-inline constexpr UINT kDemoSendRecord = WM_APP + 1;
 inline constexpr UINT kDemoSeek = WM_APP + 2;
 inline constexpr UINT kDemoTrack = WM_APP + 3;
 inline constexpr UINT kDemoNotice = WM_APP + 4;
@@ -63,7 +60,6 @@ class Process {
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
-    DWORD Id() const { return info_.dwProcessId; }
     bool Running() const {
         return info_.hProcess && WaitForSingleObject(info_.hProcess, 0) == WAIT_TIMEOUT;
     }
