@@ -60,8 +60,7 @@ TEST_F(SendTest, TheServicesAnswerReachesTheUserAndHoldsTheWindowOpenMeanwhile) 
         EXPECT_TRUE(view.enabled[eEditorControl::cmdInternet]);
         EXPECT_EQ(std::pair(editor.Sending(), editor.Sent()), std::pair(false, true));
     }
-    EXPECT_NE(socket->sent.find("tvl_insert.php"), std::string::npos);
-    EXPECT_NE(socket->sent.find("%3C1200%3E"), std::string::npos);  // the word time
+    EXPECT_NE(socket->sent.find("%3C1200%3E"), std::string::npos);  // the timed lyric
     EXPECT_EQ(made, 1);                                             // made on first use only
     bool cancel = true;
     editor.Form_Unload(cancel);
