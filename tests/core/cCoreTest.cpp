@@ -38,51 +38,36 @@ TEST(cCore, WakesThePluginThenPolls) {
     EXPECT_TRUE(refused.channel.sent.empty());
 }
 
-TEST(cCore, NewTrackIsLookedUpOnTheNextTickAndPlayed) {
-    Rig r;
-    r.timer.tick();
-    r.channel.playlistPosition = 7;
-    r.plugin.Music()->setFileAddress(u"ab");
-    r.core->PluginEvent(kEventNewTrack);
-    EXPECT_EQ(r.State(), "on 20 alive pending at 7 track -2147483355");
-    r.timer.tick();
-    EXPECT_EQ(r.fake->loads, (std::vector<int32_t>{7}));
-
-    r.fake->text = u"[PROPERTY]\r\nMUTATION:42\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY][1000]a\r\n[2000]b";
-    // The stream is rebuilt with the timer off; messages pumped meanwhile see it off.
-    bool timerDuringPump = true;
-    r.shell.onDoEvents = [&] { timerDuringPump = r.timer.enabled; };
-    r.fake->Answer(7, kLyricLocal);
-    EXPECT_FALSE(timerDuringPump);
-    EXPECT_EQ(r.State(), "on 20 alive lyric stream at 7 track -2147483355");
-    // A local hit asks the service for a newer version of the same lyric.
-    ASSERT_EQ(r.fake->loadFroms.size(), 1u);
-    const auto [source, requestId, mutation] = r.fake->loadFroms[0];
-    EXPECT_EQ(std::tuple(source, requestId, mutation), std::tuple(2, 7, 42));
-}
-
-TEST(cCore, TheTrackChangesWhileItsLyricIsLoading) {
+TEST(cCore, ANewTrackIsLookedUpOnTheNextTickAndMayChangeWhileItsLyricLoads) {
     Rig w;
     auto& fake = w.fake;
     w.timer.tick();
     w.channel.playlistPosition = 1;
     w.channel.CopyData(FakePluginChannel::TagRecord("/a.mp3", "A", "", "One", 1000));
+    EXPECT_EQ(w.State(), "on 20 alive pending at 1 track -2147481967");
     w.At(0);
     EXPECT_EQ(fake->loads, (std::vector<int32_t>{1}));
 
     // A track announced while the answer is being taken in (the controller
-    // pumps messages there): the answer is still shown, and the new track's
-    // lookup waits until the service's answer for the old track is dropped.
+    // pumps messages there, with the timer off): the answer is still shown,
+    // and the new track's lookup waits until the service's answer for the
+    // old track is dropped.
+    bool timerDuringPump = true;
     w.shell.onDoEvents = [&] {
         w.shell.onDoEvents = nullptr;
+        timerDuringPump = w.timer.enabled;
         w.channel.playlistPosition = 2;
         w.channel.CopyData(FakePluginChannel::TagRecord("/b.mp3", "B", "", "Two", 1000));
     };
-    fake->text = u"[10]lyric of one";
+    fake->text = u"[PROPERTY]\r\nMUTATION:42\r\n[\\PROPERTY][10]lyric of one";
     fake->Answer(1, kLyricLocal);
+    EXPECT_FALSE(timerDuringPump);
     EXPECT_EQ(w.display.Take(), (Texts{"Clear", "Lyric", "Music"}));
+    EXPECT_EQ(w.State(), "on 20 alive pending lyric stream at 2 track -2147481965");
+    // A local hit asks the service for a newer version of the same lyric.
     ASSERT_EQ(fake->loadFroms.size(), 1u);
-    EXPECT_EQ(fake->loadFroms[0].requestId, 1);
+    const auto [source, requestId, mutation] = fake->loadFroms[0];
+    EXPECT_EQ(std::tuple(source, requestId, mutation), std::tuple(2, 1, 42));
     w.At(5);
     EXPECT_EQ(fake->loads, (std::vector<int32_t>{1}));
     // An answer for a track that no longer plays clears the display and the
