@@ -87,7 +87,6 @@ TEST_F(LyricFileTest, FilesBesideTheTrackComeFirstTvlBeforeLrc) {
 TEST_F(LyricFileTest, ServiceIsAskedWithAWaitingTextThatCannotParseAsTags) {
     lookup.Load(3);
     const Loaded waiting{3, 4, u"Ann - Song (Live) (edit)\r\n\r\n"};
-    ASSERT_EQ(socket->connects.size(), 1u);
     serve("[1000]got it");
     EXPECT_NE(socket->sent.find("&mut=0&"), std::string::npos);  // any version will do
     EXPECT_EQ(loaded, (std::vector<Loaded>{waiting, {3, 2, u"[1000]got it"}}));
@@ -113,7 +112,6 @@ TEST_F(LyricFileTest, ServiceLyricGoesBesideTheTrackOrToTheCacheWhenThereIsNoPla
     lookup.setMusic(gone);
     lookup.Load(3);
     serve("[1000]kept in cache");
-    EXPECT_EQ(loaded.back(), (Loaded{3, 2, u"[1000]kept in cache"}));
     EXPECT_EQ(lookup.Cache().GetLyric(gone), u"[1000]kept in cache");
 
     // A stream has no folder: no ".tvl" is looked for or written in the

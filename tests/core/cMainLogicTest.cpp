@@ -125,7 +125,6 @@ TEST(cMainLogic, CloseIsDeferredAndTheTeardownRunsOnce) {
     // The unhooked handler takes nothing any more.
     EXPECT_EQ(p.channel.Notice(4), -1);
 
-    p.main->Teardown();
     p.main->closeProgram();
     p.destroy.tick();
     EXPECT_EQ(p.channel.removes, 1);

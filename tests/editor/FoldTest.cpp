@@ -5,15 +5,12 @@
 namespace toval::test {
 namespace {
 
-class FoldTest : public EditorTest {
-  protected:
-    void Load(const std::u16string& records) { editor.Lyric()->setLoad(records); }
-};
+using FoldTest = EditorTest;
 
 TEST_F(FoldTest, RepeatedChorusFoldsIntoItsFirstCopy) {
     // verse, chorus, verse2, chorus, chorus: the last chorus goes into the
     // second, which then goes with both into the first.
-    Load(
+    editor.Lyric()->setLoad(
         u"[100]<110>v1\r\n[]\r\n"
         u"[200]<210>ch <220>us\r\n[300]<310>end\r\n[]\r\n"
         u"[400]<410>v2\r\n[]\r\n"
@@ -38,7 +35,7 @@ TEST_F(FoldTest, CaseDifferencesSingleBlocksStayAndRunsOfEmptyLinesCollapse) {
          u"[]\r\n[]a\r\n[]\r\n[]b\r\n[]\r\n"},
     };
     for (const auto& [before, after] : cases) {
-        Load(before);
+        editor.Lyric()->setLoad(before);
         editor.implodeToval();
         EXPECT_EQ(Records(), after);
     }
