@@ -90,7 +90,6 @@ TEST(EditAdvTime, PrefillsFromTheLimitsAndChecksFieldsInOrder) {
     dialog.setTxtEdit(cEditAdvTime::kTo, u"01:02.");
     dialog.setTxtEdit(cEditAdvTime::kFrom, u"x:1");
     EXPECT_EQ(dialog.cmdOk(), cEditAdvTime::kFrom);
-    EXPECT_EQ(dialog.SelLength(), 3);                 // the bad field's text is selected
     dialog.setTxtEdit(cEditAdvTime::kFrom, u"2000");  // a number is milliseconds
     dialog.setTxtEdit(cEditAdvTime::kTo, u"00:01");
     dialog.setTxtEdit(cEditAdvTime::kNewStart, u"0");
