@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <numeric>
+#include <set>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -50,12 +49,10 @@ std::vector<Raised> Order(const cEventStream& s) {
 }
 
 TEST(cEventStream, LoadTakesEveryLineTimeAndOnlyPositiveWordTimes) {
-    Player p;
-    auto lyric = LyricOf(
+    Player p(
         u"[5000][65000]chorus\r\n"
         u"[]<0>zero <2000>two <-5>neg <1>one\r\n"
         u"[-100]early");
-    p.stream.Load(lyric);
     EXPECT_EQ(Order(p.stream),
               (std::vector<Raised>{{2, kUnset}, {1, 3}, {1, 1}, {0, kUnset}, {0, kUnset}}));
     EXPECT_EQ(std::tuple(p.stream.EventTime(0), p.stream.EventTime(4), p.stream.CurrentTime(),
@@ -88,9 +85,7 @@ TEST(cEventStream, EachTickRaisesOnlyTheLastEventPassedEitherWay) {
         {50000, {{11, kUnset}}, 11, 12000, kNoNext},
         {kNoNext, none, 11, 12000, kNoNext},  // the largest position is no next event either
         {3500, {{2, kUnset}}, 2, 3000, 4000},
-        // Back before the first event: event 0 at once, and again on reaching it.
-        {500, first, 0, kUnset, 1000},
-        {1000, first, 0, 1000, 2000},
+        {500, first, 0, kUnset, 1000},  // back before the first event: event 0 at once
     };
     for (const auto& s : steps) {
         EXPECT_EQ(p.At(s.ms), s.raised) << s.ms;
@@ -108,12 +103,6 @@ TEST(cEventStream, SortKeepsItsOwnTieOrderAndSurvivesItsBudgetAndBadBounds) {
     EXPECT_EQ(p.At(1000), (std::vector<Raised>{{0, kUnset}}));
     EXPECT_EQ(p.At(1500), (std::vector<Raised>{{0, 1}}));
 
-    const auto lines = [](const cEventStream& s) {
-        std::vector<int32_t> out;
-        for (const auto& [line, word] : Order(s))
-            out.push_back(line);
-        return out;
-    };
     // Many ties over several levels: equal times end in the order the
     // recursive sort leaves them; a stable sort, or a pivot rounded down or
     // up, gives another order.
@@ -122,20 +111,22 @@ TEST(cEventStream, SortKeepsItsOwnTieOrderAndSurvivesItsBudgetAndBadBounds) {
     for (int32_t i = 0; i < 14; ++i)
         ties.AddEvent(i, kUnset, std::make_shared<cTime>(times[i] * 100));
     ties.QuickSort(0, 13);
-    EXPECT_EQ(lines(ties), (std::vector<int32_t>{4, 5, 0, 9, 8, 13, 1, 2, 7, 11, 12, 3, 6, 10}));
+    std::vector<int32_t> lines;
+    for (int32_t i = 0; i < 14; ++i)
+        lines.push_back(ties.EventLine(i));
+    EXPECT_EQ(lines, (std::vector<int32_t>{4, 5, 0, 9, 8, 13, 1, 2, 7, 11, 12, 3, 6, 10}));
 
     // Past the comparison budget the rest is still sorted, every event kept.
     cEventStream over;
     for (int32_t i = 0; i < 300; ++i)
         over.AddEvent(i, kUnset, std::make_shared<cTime>((i * 7919) % 50));
     over.QuickSort(0, 299, 100);
-    std::vector<int32_t> seen = lines(over), eventTimes, all(300);
-    for (int32_t i = 0; i < 300; ++i)
-        eventTimes.push_back(over.EventTime(i));
-    EXPECT_TRUE(std::is_sorted(eventTimes.begin(), eventTimes.end()));
-    std::sort(seen.begin(), seen.end());
-    std::iota(all.begin(), all.end(), 0);
-    EXPECT_EQ(seen, all);
+    std::set<int32_t> seen;
+    for (int32_t i = 0; i < 300; ++i) {
+        seen.insert(over.EventLine(i));
+        EXPECT_LE(over.EventTime(i > 0 ? i - 1 : 0), over.EventTime(i)) << i;
+    }
+    EXPECT_EQ(seen.size(), 300u);
     // Out-of-range bounds are refused rather than read.
     cEventStream stream;
     stream.AddEvent(0, kUnset, std::make_shared<cTime>(1));

@@ -80,10 +80,8 @@ TEST(cDisplay, ChooseTextRepaintsOnlyWhatChanged) {
     // Same line, word cleared: the line part runs (back text, then current).
     EXPECT_EQ(d.Choose(1, kUnset),
               (Strings{"one /101", "two /101", "three/101", "one /102", "two /102", "three/102"}));
-    EXPECT_EQ(d.Choose(1, 0), (Strings{"one /103"}));
     // Nothing: the old line goes back to slot 1, nothing is highlighted.
     EXPECT_EQ(d.Choose(kUnset, kUnset), (Strings{"one /101", "two /101", "three/101"}));
-    EXPECT_EQ(d.Current(), std::pair(kUnset, kUnset));
     // With the title underlined, only the first line is.
     d.globals.Settings.font_UnderlineTitle = true;
     EXPECT_EQ(d.Choose(0, kUnset), (Strings{"Title/102/u"}));

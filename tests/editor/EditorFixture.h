@@ -8,7 +8,6 @@
 #include <initializer_list>
 #include <memory>
 #include <string>
-#include <utility>
 
 #include "config/cSettings.h"
 #include "editor/cEditor.h"
@@ -75,8 +74,6 @@ class EditorTest : public ::testing::Test {
         globals.PlayPosition = position;
         editor.pb_Main_MouseDown(kButtonLeft, 0, x, y);
     }
-    // The highlighted line and word.
-    std::pair<int32_t, int32_t> Cursor() const { return {editor.curLine(), editor.curWord()}; }
 
     cGlobals globals;
     FakeRandom random;

