@@ -84,7 +84,6 @@ TEST(cLyric, ReadsLrcFilesAsUsersHaveThem) {
         // Brackets that hold no time are text.
         {u"[00:01.00][scared]more", u"[1000][scared]more\r\n"},
         {u"[00:01.00][length: 2:23][00:02]x", u"[1000][2000]x\r\n"},  // a tag among them is not
-        {u"[00:01.00]<00:01.00>ok <bad>lost", u"[1000]<1000>ok <bad>lost\r\n"},
         // Time forms, blanks inside and between stamps.
         {u"[00:00.00]  [00:10.00]Rep\n[13:00][51:00:00.00]",
          u"[0][10000]Rep\r\n[780000][183600000]\r\n"},
