@@ -8,8 +8,8 @@ namespace {
 TEST(mNumber, RoundsHalvesToEven) {
     const struct {
         double in, out;
-    } cases[] = {{0.5, 0},    {1.5, 2},    {2.5, 2},   {-0.5, 0},  {-1.5, -2}, {-2.5, -2},
-                 {2.4999, 2}, {2.5001, 3}, {50.5, 50}, {51.5, 52}, {-7.2, -7}};
+    } cases[] = {{0.5, 0},   {1.5, 2},   {2.5, 2},    {-0.5, 0},
+                 {-1.5, -2}, {-2.5, -2}, {2.4999, 2}, {2.5001, 3}};
     for (const auto& c : cases)
         EXPECT_EQ(RoundHalfEven(c.in), c.out) << c.in;
 }
@@ -52,12 +52,11 @@ TEST(mNumber, IntegerConversionsRoundAndRefuseOverflow) {
     EXPECT_EQ(b, 255);
 }
 
+// WrapAdd, WrapMul and the smallest number's text are pinned where a user meets
+// them: mirrored geometry, track durations, a word record without a time.
 TEST(mNumber, WrapAroundArithmetic) {
-    EXPECT_EQ(WrapAdd(INT32_MAX, 1), INT32_MIN);
     EXPECT_EQ(WrapSub(INT32_MIN, 1), INT32_MAX);
-    EXPECT_EQ(WrapMul(65536, 65536), 0);
     EXPECT_EQ(WrapMul(-1, INT32_MIN), INT32_MIN);
-    EXPECT_EQ(DecimalText(-2147483648LL), u"-2147483648");
 }
 
 }  // namespace
