@@ -8,8 +8,8 @@ namespace {
 TEST(mNumber, RoundsHalvesToEven) {
     const struct {
         double in, out;
-    } cases[] = {{0.5, 0},    {1.5, 2},    {2.5, 2},   {-0.5, 0},  {-1.5, -2}, {-2.5, -2},
-                 {2.4999, 2}, {2.5001, 3}, {50.5, 50}, {51.5, 52}, {-7.2, -7}};
+    } cases[] = {{0.5, 0},   {1.5, 2},   {2.5, 2},    {-0.5, 0},
+                 {-1.5, -2}, {-2.5, -2}, {2.4999, 2}, {2.5001, 3}};
     for (const auto& c : cases)
         EXPECT_EQ(RoundHalfEven(c.in), c.out) << c.in;
 }
@@ -44,12 +44,7 @@ TEST(mNumber, IntegerConversionsRoundAndRefuseOverflow) {
     EXPECT_TRUE(TextToInt32(u"0.000" + zeros + u"e+400", i32));
     EXPECT_EQ(i32, 0);
 
-    int16_t i16 = 0;
-    EXPECT_TRUE(TextToInt16(u"32767", i16));
-    EXPECT_FALSE(TextToInt16(u"32768", i16));
-    EXPECT_TRUE(TextToInt16(u"-32768.4", i16));
-    EXPECT_EQ(i16, -32768);
-
+    // The 16-bit limits are pinned where a user meets them (minutes of a time).
     uint8_t b = 0;
     EXPECT_TRUE(TextToByte(u"255", b));
     EXPECT_FALSE(TextToByte(u"256", b));
@@ -57,12 +52,11 @@ TEST(mNumber, IntegerConversionsRoundAndRefuseOverflow) {
     EXPECT_EQ(b, 255);
 }
 
+// WrapAdd, WrapMul and the smallest number's text are pinned where a user meets
+// them: mirrored geometry, track durations, a word record without a time.
 TEST(mNumber, WrapAroundArithmetic) {
-    EXPECT_EQ(WrapAdd(INT32_MAX, 1), INT32_MIN);
     EXPECT_EQ(WrapSub(INT32_MIN, 1), INT32_MAX);
-    EXPECT_EQ(WrapMul(65536, 65536), 0);
     EXPECT_EQ(WrapMul(-1, INT32_MIN), INT32_MIN);
-    EXPECT_EQ(DecimalText(-2147483648LL), u"-2147483648");
 }
 
 }  // namespace

@@ -27,9 +27,9 @@ TEST(cIniEngine, NewKeysGoBehindTheLastLineOfTheirSection) {
         // Only the first section of the name is read, so it is the one written.
         {"[A]\r\n[b]\r\n[a]\r\nk=old\r\n", "[A]\r\nk=v\r\n[b]\r\n[a]\r\nk=old\r\n"},
         {"[a]\r\nk\r\n", "[a]\r\nk\r\nk=v\r\n"},
-        {"[a]\nk = old \nq=1\n", "[a]\nk=v\r\nq=1\n"},
-        // Names match in any case; every other line stays byte for byte.
-        {"; c\r\n[A]\r\nx = 1\r\nK=1\r\n\r\n[b]\nk=9\n",
+        // Names match in any case and keep their spelling, trimmed; every other
+        // line stays byte for byte.
+        {"; c\r\n[A]\r\nx = 1\r\n K = 1 \r\n\r\n[b]\nk=9\n",
          "; c\r\n[A]\r\nx = 1\r\nK=v\r\n\r\n[b]\nk=9\n"},
     };
     for (const Case& c : cases) {

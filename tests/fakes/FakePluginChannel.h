@@ -31,9 +31,10 @@ class FakePluginChannel : public PluginChannel {
             if (code == command) return answer;
         return 0;
     }
+    // The plug-in's window is never found.
     int32_t FindPluginWindow() override {
         ++findCalls;
-        return findCalls >= foundOnCall ? windowToFind : 0;
+        return 0;
     }
     void InstallHook() override { ++installs; }
     void RemoveHook() override { ++removes; }
@@ -76,8 +77,6 @@ class FakePluginChannel : public PluginChannel {
     int32_t position = 0;
     int32_t playlistPosition = 0;
     int32_t lengthUnit = 1;
-    int32_t windowToFind = 0;
-    int foundOnCall = 1;
 
     // Records.
     std::vector<Sent> sent;

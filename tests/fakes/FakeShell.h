@@ -24,7 +24,7 @@ class FakeShell : public Shell {
     }
     void OpenLink(const std::u16string& url) override { links.push_back(url); }
     void Sleep(int32_t ms) override { sleeps.push_back(ms); }
-    bool PrevInstance() override { return prevInstance; }
+    bool PrevInstance() override { return false; }
     std::u16string SpecialFolder(int32_t id) override {
         folderQueries.push_back(id);
         return specialFolder;
@@ -33,13 +33,11 @@ class FakeShell : public Shell {
     int32_t ScreenWidthTwips() override { return screenWidth; }
     int32_t ScreenHeightTwips() override { return screenHeight; }
     void DoEvents() override {
-        ++doEvents;
         if (onDoEvents) onDoEvents();
     }
 
     // Answers.
     int32_t boxAnswer = kIdOk;
-    bool prevInstance = false;
     std::u16string specialFolder;
     std::u16string programFolder;
     int32_t screenWidth = 1920 * 15;
@@ -51,7 +49,6 @@ class FakeShell : public Shell {
     std::vector<std::u16string> links;
     std::vector<int32_t> sleeps;
     std::vector<int32_t> folderQueries;
-    int doEvents = 0;
 };
 
 }  // namespace toval::test

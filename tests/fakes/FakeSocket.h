@@ -37,27 +37,22 @@ class FakeSocket : public Socket {
     // --- the peer's side ---
     void accept() {
         state = kSckConnected;
-        auto handler = onConnect;
-        if (handler) handler();
+        if (auto handler = onConnect) handler();
     }
     void answer(const std::string& bytes) {
         inbox += bytes;
-        auto handler = onDataArrival;
-        if (handler) handler(static_cast<int32_t>(inbox.size()));
+        if (auto handler = onDataArrival) handler(static_cast<int32_t>(inbox.size()));
     }
     void progress(int32_t bytesSent, int32_t bytesRemaining) {
-        auto handler = onSendProgress;
-        if (handler) handler(bytesSent, bytesRemaining);
+        if (auto handler = onSendProgress) handler(bytesSent, bytesRemaining);
     }
     void hangUp() {
         state = kSckClosing;
-        auto handler = onClose;
-        if (handler) handler();
+        if (auto handler = onClose) handler();
     }
     void fail(int32_t number = kSckConnectionRefused, const std::string& text = "refused") {
         state = kSckError;
-        auto handler = onError;
-        if (handler) handler(number, text);
+        if (auto handler = onError) handler(number, text);
     }
 
     std::vector<Target> connects;
