@@ -9,6 +9,7 @@
 #include "base/mFile.h"
 #include "base/mPath.h"
 #include "config/cIniEngine.h"
+#include "fakes/CapturedTrail.h"
 #include "fakes/FakeShell.h"
 #include "fakes/TempDir.h"
 
@@ -178,28 +179,43 @@ TEST_F(cConfigTest, TheLanguageNameIsSavedOnlyFromAPathWithFolderAndExtension) {
 TEST_F(cConfigTest, SplashFlagAndShownVersionGoToTheFileOnEveryAccess) {
     cConfig config(globals, shell, ini);
     EXPECT_TRUE(config.editModeSplash());
+    EXPECT_EQ(config.lastUpdateVersion(), 0);
+
     PutConfig("editmode_splash=0\r\nversion_LastShow=131\r\n");
     EXPECT_FALSE(config.editModeSplash());
+    EXPECT_EQ(config.lastUpdateVersion(), 131);
+
+    config.setEditModeSplash(true);
     config.setLastUpdateVersion(140);
-    EXPECT_EQ(ConfigBytes(), "[toval]\r\neditmode_splash=0\r\nversion_LastShow=140\r\n");
+    EXPECT_EQ(ConfigBytes(), "[toval]\r\neditmode_splash=1\r\nversion_LastShow=140\r\n");
+    // A version that is no number reads as 0 and leaves a trail line.
+    CapturedTrail trail;
+    PutConfig("version_LastShow=junk\r\n");
+    EXPECT_EQ(config.lastUpdateVersion(), 0);
+    EXPECT_TRUE(trail.Has("cConfig.lastUpdateVersion [Get]"));
 }
 
-// A number, and the language that also chooses its file; the conversions are
-// Load's, pinned above.
 TEST_F(cConfigTest, TheSettingsDialogEditsTheSettingsGroupByName) {
     cConfig config(globals, shell, ini);
     config.Load(false);
-    EXPECT_TRUE(config.setSettingText(u"font_Size", u"14"));
-    EXPECT_TRUE(config.setSettingText(u"language_name", u"heil"));
-    EXPECT_TRUE(globals.RightToLeft);
+    // The name, the text typed, and the text after a save and a fresh load.
+    const std::tuple<const char16_t*, const char16_t*, const char16_t*> edits[] = {
+        {u"font_Size", u"14", u"14"},
+        {u"font_Name", u"Tahoma", u"Tahoma"},
+        {u"effect_Alpha", u"300", u"220"},  // does not convert: stays
+        {u"language_name", u"heil", u"heil"},
+    };
+    for (const auto& [name, text, back] : edits)
+        EXPECT_TRUE(config.setSettingText(name, text)) << std::string(name, name + 4);
     // Keys outside the group are not the dialog's to change.
     EXPECT_FALSE(config.setSettingText(u"window_mode", u"1"));
     EXPECT_EQ(config.SettingText(u"window_mode"), u"");
+    EXPECT_TRUE(globals.RightToLeft);
     // Load reads every key from the file or its default, over the record.
     config.Save(false);
     config.Load(false);
-    EXPECT_EQ(config.SettingText(u"font_Size"), u"14");
-    EXPECT_EQ(config.SettingText(u"language_name"), u"heil");
+    for (const auto& [name, text, back] : edits)
+        EXPECT_EQ(config.SettingText(name), back) << std::string(name, name + 4);
 }
 
 }  // namespace

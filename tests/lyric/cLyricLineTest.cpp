@@ -77,6 +77,7 @@ TEST(cLyricLine, ReadsAndWritesLineRecords) {
         {u"abc]def", {0}, u"def", {}},  // a stray "]" closes a tag from the start
         {u"[00:01]]x", {1000}, u"x", {}},  // the second "tag" holds a ":" and fails
         {u"]x[5]y", {}, u"]x[5]y", {}},    // "]" before the first "[" stops at once
+        {u"[12340]<12340>Hello <12800>world", {12340}, u"Hello world", {u"Hello ", u"world"}},
         {u"[5000]pre<100>a<200>b", {5000}, u"preab", {u"pre", u"a", u"b"}},
         {u"[]<1><2>la<3", {}, u"la<3", {u"la", u"<3"}}, {u"[]<>", {}, u"", {u""}},
         // clang-format on
@@ -122,7 +123,7 @@ TEST(cLyricLine, DisplayTextAndLrcForm) {
     EXPECT_EQ(r.LoadLRC(), u" \u05D2\u05D1 [00:01.00]A D");
 }
 
-TEST(cLyricLine, EmptinessAndSimplicity) {
+TEST(cLyricLine, EmptinessSimplicityAndEditingWords) {
     cLyricLine l;
     l.setLoad(u"[]");
     EXPECT_TRUE(l.Simple());
@@ -141,6 +142,11 @@ TEST(cLyricLine, EmptinessAndSimplicity) {
     EXPECT_FALSE(k.Simple());
     k.setLoad(u"[3]a");
     EXPECT_FALSE(k.Simple());
+
+    k.setLoad(u"[]<1>a<2>b");
+    k.InsertWord(99, Word(u"z"));
+    k.RemoveWord(0);
+    EXPECT_EQ(k.Load(), u"[]<2>b<>z");
 }
 
 }  // namespace

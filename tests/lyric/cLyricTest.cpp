@@ -28,7 +28,7 @@ TEST(cLyric, LoadsAndWritesTheTvlDocument) {
     cLyric empty;
     empty.setLoad(u"");
     EXPECT_TRUE(empty.Simple());
-    EXPECT_EQ(empty.GetLineSize(), 0);
+    EXPECT_EQ(std::tuple(empty.GetLineSize(), empty.TextHeight()), std::tuple(0, kUnset));
     EXPECT_EQ(empty.TVL(), u"[PROPERTY]\r\nMUTATION:-2147483648\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY]");
 
     cLyric l;
@@ -40,6 +40,12 @@ TEST(cLyric, LoadsAndWritesTheTvlDocument) {
     EXPECT_EQ(l.TVL(), kTimedTvl);
     EXPECT_EQ(l.Text(), u"First line\r\nSecond line\r\n\r\n");
     EXPECT_EQ(l.LRC(nullptr), u"[00:12.00]First line\r\n[00:15.50]Second line\r\n[00:00.00]\r\n");
+
+    // Writing the LRC form and reading it back keeps hundredths of the first
+    // line time only.
+    cLyric back;
+    back.setLoad(u"[00:01.234]a\r\n" + l.LRC(nullptr));
+    EXPECT_EQ(back.Load(), u"[1234]a\r\n[12000]First line\r\n[15500]Second line\r\n[0]\r\n");
 }
 
 TEST(cLyric, SimpleLyricsAreWrittenAsPlainText) {
@@ -48,10 +54,14 @@ TEST(cLyric, SimpleLyricsAreWrittenAsPlainText) {
     EXPECT_TRUE(l.Simple());
     l.setRightToLeft(true);
     l.setTrackLength(1000);
-    EXPECT_EQ(l.TVL(),
+    const std::u16string tvl = l.TVL();
+    EXPECT_EQ(tvl,
               u"[PROPERTY]\r\nMUTATION:-2147483648\r\nTRACKLENGTH:1000\r\nRIGHTTOLEFT:1\r\n"
               u"[\\PROPERTY]one\r\n\r\n\u05D0\r\na b\r\n");
     EXPECT_EQ(l.Text(), u"one\r\n\r\n\u05D0\r\na b\r\n");
+    cLyric again;
+    again.setLoad(tvl);
+    EXPECT_EQ(again.TVL(), tvl);
 }
 
 // LRC files as other programs and the web write them, each read into the
@@ -175,8 +185,11 @@ TEST(cLyric, LaysOutLinesAndWords) {
     l.setLoad(u"[]<1>ab<2>cd\r\n\r\n[]x");
     EXPECT_EQ(surface.doEvents, 1);
     // An empty line is as high as any.
-    EXPECT_EQ(Box(l.Delta()), (std::array{0, 0, 40, 48}));
+    EXPECT_EQ(std::tuple(l.Delta()->Final()->X(), l.Delta()->Final()->Y(), l.TextHeight()),
+              std::tuple(40, 48, 16));
+    EXPECT_EQ(Box(l.GetLine(0)->Delta()), (std::array{0, 0, 40, 16}));
     EXPECT_EQ(Box(l.GetLine(2)->Delta()), (std::array{0, 32, 10, 48}));
+    EXPECT_EQ(Box(l.GetLine(0)->GetWord(1)->Delta()), (std::array{20, 0, 40, 16}));
     EXPECT_EQ(l.GetLine(0)->AuxPictureBox(), nullptr);  // given back after layout
     l.setAlignment(2);
     l.Resize();

@@ -69,6 +69,8 @@ TEST(cMusic, DescriptiveTexts) {
 
     music.setAlbum(u"Al bum");
     music.setMiliDuration(215500);
+    EXPECT_EQ(music.Info(), "Art Al bum Caf\xc3\xa9 216");
+    EXPECT_EQ(music.InfoW(), u"Art - Al bum - Caf\u00e9 - 216");
     EXPECT_EQ(music.IDTag(),
               u"[al:Al bum]\r\n[ar:Art]\r\n[ti:Caf\u00e9]\r\n[re:Toval]\r\n[ve:1.3.1]\r\n");
 }

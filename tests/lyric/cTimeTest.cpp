@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/mNumber.h"
+#include "lyric/cDelta.h"
 
 namespace toval {
 namespace {
@@ -48,6 +49,63 @@ TEST(cTime, ParsesNumbersAndMinuteSecondForms) {
         t.setText(c.text);
         EXPECT_EQ(t.Time(), c.ms) << testing::PrintToString(std::u16string(c.text));
     }
+}
+
+TEST(cTime, ComparesWithTheirOwnConventions) {
+    // Compare: 1 when the other is later, 2 when earlier. LongCompare: zero
+    // answers 0 whatever ms is; 1 when this one is later; equal and not zero: 2.
+    const struct {
+        int32_t time, other, compare, longCompare;
+    } cases[] = {{5, 5, 0, 2},    {5, 7, 1, 2}, {7, 5, 2, 1},          {0, 0, 0, 0},
+                 {0, -100, 2, 0}, {5, 0, 2, 1}, {kUnset, kUnset, 0, 2}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(cTime(c.time).Compare(cTime(c.other)), c.compare) << c.time << " " << c.other;
+        EXPECT_EQ(cTime(c.time).LongCompare(c.other), c.longCompare) << c.time << " " << c.other;
+    }
+}
+
+TEST(cTime, SplitsAndJoinsFields) {
+    cTime t;
+    t.setTime(1, 75, 1500, false);  // fields add up unchecked
+    EXPECT_EQ(t.Time(), 60000 + 75000 + 1500);
+    t.setTime(0, 1, 250, true);
+    EXPECT_EQ(t.Time(), -1250);
+    int32_t m = 9, s = 9, ms = 9;
+    bool negative = true;
+    cTime(-61005).GetTime(m, s, ms, negative);
+    EXPECT_EQ(std::tie(m, s, ms, negative), std::make_tuple(1, 1, 5, true));
+    for (const auto& [time, seconds] : {std::pair{-1500, -2}, {1999, 1}, {kUnset, -2147484}})
+        EXPECT_EQ(cTime(time).Seconds(), seconds) << time;
+
+    // A sum beyond 32 bits, or negating the smallest value, changes nothing.
+    t.setTime(123);
+    t.setTime(40000, 0, 0, false);
+    EXPECT_EQ(t.Time(), 123);
+    t.setTime(0, 0, INT32_MIN, true);
+    EXPECT_EQ(t.Time(), INT32_MIN);
+}
+
+TEST(cDelta, DiffIsTheAbsoluteSpanOfSetCoordinates) {
+    cDelta d;
+    const auto diff = [&] { return std::pair(d.Diff()->X(), d.Diff()->Y()); };
+    const auto set = [&](int32_t x0, int32_t y0, int32_t x1, int32_t y1) {
+        d.setInitial(std::make_shared<c2DPoint>(x0, y0));
+        d.setFinal(std::make_shared<c2DPoint>(x1, y1));
+    };
+    EXPECT_EQ(diff(), std::pair(kUnset, kUnset));
+    set(30, 5, 10, kUnset);
+    EXPECT_EQ(diff(), std::pair(20, kUnset));  // a span has no direction
+    // Replacing a point refreshes the span; editing one in place does not.
+    d.Final()->setX(100);
+    EXPECT_EQ(diff(), std::pair(20, kUnset));
+    d.setFinal(std::make_shared<c2DPoint>(100, 25));
+    EXPECT_EQ(diff(), std::pair(70, 20));
+    // A span too wide for 32 bits keeps the previous size from there on:
+    // X is recomputed before Y.
+    set(-INT32_MAX, 0, INT32_MAX, 0);
+    EXPECT_EQ(diff(), std::pair(70, 20));
+    set(1, -INT32_MAX, 4, INT32_MAX);
+    EXPECT_EQ(diff(), std::pair(3, 20));
 }
 
 }  // namespace
