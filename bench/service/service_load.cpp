@@ -216,7 +216,7 @@ int Crash(const std::string& kind, int seconds) {
     }
     std::this_thread::sleep_for(std::chrono::seconds(seconds));
     // SIGKILL while the senders are in full flow.
-    const int status = svc->Stop(SIGKILL, 5000);
+    const int status = svc->Stop(5000, SIGKILL);
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
     stop = true;
     for (auto& t : threads)
@@ -236,7 +236,7 @@ int Crash(const std::string& kind, int seconds) {
             svc->Port(), Lookup("Crash " + std::to_string(n % 97), "Song " + std::to_string(n)));
         if (body.find("mark " + std::to_string(n) + "\r\n") == std::string::npos) ++missing;
     }
-    svc->Stop(SIGTERM, 5000);
+    svc->Stop(5000);
     auto store = Store(kind, db);
     const std::string problem = store->Check();
     std::printf("after restart: %d of %zu answered sends missing; integrity check: %s\n", missing,

@@ -76,7 +76,7 @@ class cCore {
     MeasureSurface* AuxPictureBox() const { return auxPictureBox_; }
 
     // The single entry of every plug-in event (codes above; 65 or more ignored).
-    virtual void PluginEvent(int32_t code);
+    void PluginEvent(int32_t code);
     // Stops the timer and forgets the plug-in; first step of the teardown.
     void preClose();
     // Looks the current track up again (after a settings change).

@@ -49,20 +49,13 @@ void cEditAdvTime::setTxtEdit(int32_t field, std::u16string text) {
     fields_[static_cast<size_t>(field)] = std::move(text);
 }
 
-int32_t cEditAdvTime::SelLength() const {
-    return static_cast<int32_t>(txtEdit(focus_).size());
-}
-
 int32_t cEditAdvTime::cmdOk() {
     // The order of this list is the order in which a bad field is found.
     for (int32_t field = 0; field < kFieldCount; ++field) {
         if (!FieldEnabled(field)) continue;
         cTime time;
         time.setText(fields_[static_cast<size_t>(field)]);
-        if (time.Time() == kUnset) {
-            focus_ = field;
-            return field;
-        }
+        if (time.Time() == kUnset) return field;
         values_[static_cast<size_t>(field)] = time.Time();
     }
     if (range_ && values_[kFrom] > values_[kTo]) std::swap(values_[kFrom], values_[kTo]);

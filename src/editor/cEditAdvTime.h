@@ -43,11 +43,6 @@ class cEditAdvTime {
     // are then set and the dialog closes), else the index of the field that
     // takes the focus.
     int32_t cmdOk();
-    // The field that has the focus and its selection (set by a refused OK).
-    int32_t FocusField() const { return focus_; }
-    int32_t SelStart() const { return 0; }
-    int32_t SelLength() const;
-
     // Results of an accepted OK: the action bits, the range (ordered: a range
     // typed backwards is taken from its lower to its upper end), the delay and
     // the adjust targets, in milliseconds.
@@ -64,7 +59,6 @@ class cEditAdvTime {
     bool range_ = false;
     int32_t action_ = kDelay;
     int32_t bits_ = 0;
-    int32_t focus_ = kFrom;
 };
 
 }  // namespace toval

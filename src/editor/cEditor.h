@@ -128,7 +128,6 @@ class cEditor {
     int32_t newLine() const { return newLine_; }
     int32_t newWord() const { return newWord_; }
     bool lastTimeSet() const { return lastTimeSet_; }
-    std::shared_ptr<cTime> lastTime() const { return lastTime_; }
 
     // --- Range operations ---
     // Smallest and largest time of the lyric; INT32_MAX and INT32_MIN when it

@@ -124,11 +124,6 @@ void cTovalSite::Raise(int16_t result, int32_t id) {
     if (handler) Guarded("cTovalSite.Toval", [&] { handler(result, id); });
 }
 
-std::string_view cTovalSite::Envelope(std::string_view data) {
-    std::string_view body;
-    return Between(data, kEnvelopeOpen, kEnvelopeClose, body) ? body : std::string_view();
-}
-
 bool cTovalSite::AnnouncedVersion(std::string_view data, int32_t& version) {
     std::string_view text;
     if (!Between(data, kVersionOpen, kVersionClose, text)) return false;

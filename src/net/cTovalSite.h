@@ -102,9 +102,6 @@ class cTovalSite : public iLyricSender {
 
     // Reads a whole answer body. Never fails; anything unexpected is kFailure.
     static Answer ReadAnswer(std::string_view data);
-    // The text between the first "<TOVAL>" and the "</TOVAL>" after it; empty
-    // when either marker is missing.
-    static std::string_view Envelope(std::string_view data);
     // The number between "<LLV>" and the "</LLV>" after it, when it is numeric
     // and fits 32 bits.
     static bool AnnouncedVersion(std::string_view data, int32_t& version);

@@ -115,11 +115,6 @@ std::string HttpRequestText(bool post, bool proxy, std::string_view target, std:
     return out;
 }
 
-int16_t TakeHttpBody(std::string& data) {
-    cNetError why;
-    return TakeHttpBody(data, why);
-}
-
 int16_t TakeHttpBody(std::string& data, cNetError& why) {
     using Category = cNetError::Category;
     why = {};

@@ -30,10 +30,9 @@ std::string HttpRequestText(bool post, bool proxy, std::string_view target, std:
 
 // Judges a whole answer: when the text before the first CR LF holds "200 OK"
 // and a CR LF CR LF ends the headers, data keeps only the body and the result
-// is 2; otherwise data is emptied and the result is 3.
-int16_t TakeHttpBody(std::string& data);
-// The same, and on a failure why: no answer at all, not HTTP, a status other
-// than "200 OK" (quoting the first line), or no end of the headers.
+// is 2; otherwise data is emptied, the result is 3 and why says what failed:
+// no answer at all, not HTTP, a status other than "200 OK" (quoting the first
+// line), or no end of the headers.
 int16_t TakeHttpBody(std::string& data, cNetError& why);
 
 }  // namespace toval

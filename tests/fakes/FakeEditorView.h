@@ -32,7 +32,6 @@ class FakeEditorView : public iEditorView {
         return true;
     }
     bool ShowSave(cFileDialog& dialog) override {
-        saveDialogs.push_back(dialog);
         if (!saveAnswer) return false;
         dialog.FileName = saveFile;
         dialog.FilterIndex = saveFilter;
@@ -86,7 +85,7 @@ class FakeEditorView : public iEditorView {
     std::map<eEditorControl, bool> enabled, visible, checked;
     std::u16string editText;
     bool editRightToLeft = false;
-    std::vector<cFileDialog> openDialogs, saveDialogs;
+    std::vector<cFileDialog> openDialogs;
     std::vector<Box> boxes;
     std::vector<std::u16string> editTimeShown;
     std::vector<std::u16string> infoShown;

@@ -57,10 +57,10 @@ class ServiceProcess {
 
     int Port() const { return port_; }
 
-    // Sends SIGTERM and waits up to limitMs for the exit; the exit status
+    // Sends the signal and waits up to limitMs for the exit; the exit status
     // (as waitpid gives it), or -1 when the process did not end.
-    int Stop(int limitMs) {
-        ::kill(pid_, SIGTERM);
+    int Stop(int limitMs, int signal = SIGTERM) {
+        ::kill(pid_, signal);
         const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(limitMs);
         int status = 0;
         while (std::chrono::steady_clock::now() < end) {
