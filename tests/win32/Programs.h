@@ -60,6 +60,7 @@ class Process {
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
+    DWORD Id() const { return info_.dwProcessId; }
     bool Running() const {
         return info_.hProcess && WaitForSingleObject(info_.hProcess, 0) == WAIT_TIMEOUT;
     }
