@@ -39,9 +39,9 @@ QVariant Unwrapped(const QVariant& value) {
 
 cMprisBridge::cMprisBridge(QDBusConnection bus, QString player, QObject* parent)
     : QObject(parent), bus_(std::move(bus)), filter_(std::move(player)) {
-    readTimer_.setInterval(kPositionReadMs);
+    readTimer_.setInterval(kPositionReadLateMs);
     connect(&readTimer_, &QTimer::timeout, this, [this] {
-        if (burst_ > 0 && --burst_ == 0) readTimer_.setInterval(kPositionReadMs);
+        if (burst_ > 0 && --burst_ == 0) readTimer_.setInterval(kPositionReadLateMs);
         ReadPosition();
     });
     if (!bus_.isConnected()) return;
@@ -260,7 +260,7 @@ void cMprisBridge::ReadPosition() {
     const auto it = players_.find(followed_);
     if (it == players_.end()) return;
     if (it->second.status == QLatin1String("Playing")) {
-        if (!readTimer_.isActive()) readTimer_.start();
+        readTimer_.start();  // the next reading counts from this one
     } else {
         readTimer_.stop();
     }
@@ -269,6 +269,7 @@ void cMprisBridge::ReadPosition() {
     get << kPlayerInterface << QStringLiteral("Position");
     const QString asked = followed_;
     const int64_t sent = Now();
+    lastRead_ = sent;
     auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(get, kCallTimeoutMs), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
             [this, asked, sent](QDBusPendingCallWatcher* w) {
@@ -294,8 +295,13 @@ int32_t cMprisBridge::SendCommand(int32_t window, int32_t command, int32_t /*arg
             // A plug-in sends the playing track once it knows where to: after the core woke up.
             QTimer::singleShot(0, this, [this] { Announce(true); });
             return 1;
-        case kCmdPosition:
-            return announced_ ? clock_.At(Now()) : 0;
+        case kCmdPosition: {
+            if (!announced_) return 0;
+            const int64_t now = Now();
+            if (burst_ == 0 && readTimer_.isActive() && now - lastRead_ >= kPositionReadMs)
+                ReadPosition();
+            return clock_.At(now);
+        }
         case kCmdPlaylistPos:
             return serial_;
         case kCmdAlive:

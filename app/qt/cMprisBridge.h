@@ -25,8 +25,12 @@ namespace toval {
 // The handles the bridge stands in with: a plug-in window that always exists.
 inline constexpr int32_t kBridgeWindow = 1;
 inline constexpr int32_t kBridgeHandler = 2;
-// Readings of the position while playing, this far apart.
+// Readings of the position while playing, this far apart: the first tick of
+// the core after kPositionReadMs takes the next reading with it, so that a
+// reading wakes the program only for its answer; without a tick, the reading
+// comes by itself after kPositionReadLateMs.
 inline constexpr int32_t kPositionReadMs = 1000;
+inline constexpr int32_t kPositionReadLateMs = 1300;
 // After a new track, a seek or play, a few readings come quicker: the clock
 // finds the front of the player's lagging reports sooner.
 inline constexpr int32_t kBurstReadMs = 200;
@@ -104,6 +108,7 @@ class cMprisBridge : public QObject, public PluginChannel {
     cPositionClock clock_;
     QTimer readTimer_;
     int32_t burst_ = 0;
+    int64_t lastRead_ = 0;  // when the last reading was asked for (Now)
 };
 
 }  // namespace toval
