@@ -151,18 +151,17 @@ void cDisplayWindow::paintEvent(QPaintEvent* event) {
     QColor background = ColorOf(picture_.Background());
     background.setAlpha(globals_.Settings.effect_Alpha);
     p.setCompositionMode(QPainter::CompositionMode_Source);
-    if (mode_ == kModeWindow && PaintBand(p, event->rect(), background)) {
-        if (onPainted) onPainted();
-        return;
-    }
-    p.fillRect(event->rect(), background);
-    const QPoint at = PictureOrigin();
-    QRect clip = event->rect();
-    // The strip shows the current line alone, never a slice of its neighbours.
-    if (mode_ == kModeTray) clip &= QRect(0, at.y() + lineTop_, width(), lineBottom_ - lineTop_);
-    if (!clip.isEmpty()) {
-        p.setClipRect(clip);
-        picture_.Paint(p, at, clip, background);
+    if (mode_ != kModeWindow || !PaintBand(p, event->rect(), background)) {
+        p.fillRect(event->rect(), background);
+        const QPoint at = PictureOrigin();
+        QRect clip = event->rect();
+        // The strip shows the current line alone, never a slice of its neighbours.
+        if (mode_ == kModeTray)
+            clip &= QRect(0, at.y() + lineTop_, width(), lineBottom_ - lineTop_);
+        if (!clip.isEmpty()) {
+            p.setClipRect(clip);
+            picture_.Paint(p, at, clip, background);
+        }
     }
     if (onPainted) onPainted();
 }
