@@ -41,7 +41,7 @@ cMprisBridge::cMprisBridge(QDBusConnection bus, QString player, QObject* parent)
     : QObject(parent), bus_(std::move(bus)), filter_(std::move(player)) {
     readTimer_.setInterval(kPositionReadLateMs);
     connect(&readTimer_, &QTimer::timeout, this, [this] {
-        if (burst_ > 0 && --burst_ == 0) readTimer_.setInterval(kPositionReadLateMs);
+        if (hunt_ > 0 && --hunt_ == 0) readTimer_.setInterval(kPositionReadLateMs);
         ReadPosition();
     });
     if (!bus_.isConnected()) return;
@@ -179,7 +179,7 @@ void cMprisBridge::TakeProperties(const QString& name, const QVariantMap& proper
         Announce(false);
     }
     if (moved) {
-        StartBurst();
+        StartHunt();
         ReadPosition();
     }
     Follow();
@@ -233,7 +233,7 @@ void cMprisBridge::Announce(bool force) {
     serial_ = serial_ == INT32_MAX ? 1 : serial_ + 1;
     clock_.Read(0, Now());
     Deliver(kWmCopyData, 0, TagRecord(track));
-    StartBurst();
+    StartHunt();
     ReadPosition();
 }
 
@@ -251,9 +251,10 @@ void cMprisBridge::Deliver(uint32_t message, int64_t lParam, const std::string& 
     onMessage(message, 0, lParam, data, result);
 }
 
-void cMprisBridge::StartBurst() {
-    burst_ = kBurstReadings;
-    readTimer_.setInterval(kBurstReadMs);
+void cMprisBridge::StartHunt() {
+    hunt_ = kHuntReadings;
+    clock_.Hunt();
+    readTimer_.setInterval(kHuntReadMs);
 }
 
 void cMprisBridge::ReadPosition() {
@@ -284,6 +285,10 @@ void cMprisBridge::ReadPosition() {
                 // The player answered somewhere between sending and now: take the middle.
                 const int64_t now = Now();
                 clock_.Reading(value.toLongLong(), sent + (now - sent) / 2);
+                if (hunt_ > 0 && !clock_.Hunting()) {
+                    hunt_ = 0;
+                    readTimer_.setInterval(kPositionReadLateMs);
+                }
                 if (onPositionChanged) onPositionChanged();
             });
 }
@@ -298,7 +303,7 @@ int32_t cMprisBridge::SendCommand(int32_t window, int32_t command, int32_t /*arg
         case kCmdPosition: {
             if (!announced_) return 0;
             const int64_t now = Now();
-            if (burst_ == 0 && readTimer_.isActive() && now - lastRead_ >= kPositionReadMs)
+            if (hunt_ == 0 && readTimer_.isActive() && now - lastRead_ >= kPositionReadMs)
                 ReadPosition();
             return clock_.At(now);
         }
@@ -339,7 +344,7 @@ void cMprisBridge::Seeked(const QDBusMessage& message) {
         return;
     if (args[0].typeId() != QMetaType::LongLong) return;
     clock_.Read(args[0].toLongLong(), Now());
-    StartBurst();
+    StartHunt();
     if (onPositionChanged) onPositionChanged();
 }
 

@@ -31,10 +31,10 @@ inline constexpr int32_t kBridgeHandler = 2;
 // comes by itself after kPositionReadLateMs.
 inline constexpr int32_t kPositionReadMs = 1000;
 inline constexpr int32_t kPositionReadLateMs = 1300;
-// After a new track, a seek or play, a few readings come quicker: the clock
-// finds the front of the player's lagging reports sooner.
-inline constexpr int32_t kBurstReadMs = 200;
-inline constexpr int32_t kBurstReadings = 6;
+// After a new track, a seek or play, readings come this often while the
+// clock hunts for the front of the player's reports, this many at most.
+inline constexpr int32_t kHuntReadMs = 20;
+inline constexpr int32_t kHuntReadings = 20;
 // A player's answer later than this counts as none.
 inline constexpr int32_t kCallTimeoutMs = 1000;
 
@@ -93,7 +93,7 @@ class cMprisBridge : public QObject, public PluginChannel {
     void Announce(bool force);
     void Stopped();
     void ReadPosition();
-    void StartBurst();
+    void StartHunt();
     void Deliver(uint32_t message, int64_t lParam, const std::string& data);
 
     QDBusConnection bus_;
@@ -107,7 +107,7 @@ class cMprisBridge : public QObject, public PluginChannel {
     int32_t serial_ = 0;
     cPositionClock clock_;
     QTimer readTimer_;
-    int32_t burst_ = 0;
+    int32_t hunt_ = 0;  // quick readings left
     int64_t lastRead_ = 0;  // when the last reading was asked for (Now)
 };
 

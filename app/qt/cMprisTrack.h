@@ -51,6 +51,13 @@ class cPositionClock {
     // the clock is taken, one a little behind it is the player's lag and is
     // left, one far behind is a jump the player did not announce.
     void Reading(int64_t positionUs, int64_t nowMs);
+    // Players report the position in steps (mpv's every 50 to 300 ms) and
+    // stand still in between, so a single reading lags by up to a step. After
+    // a new track, a seek or play, the bridge reads quickly while the clock
+    // hunts: until a reading differs from the first one of the hunt. That
+    // reading was taken just after a step, at the front of the reports.
+    void Hunt();
+    bool Hunting() const { return hunting_; }
     // Playing or not from nowMs on (the position stands still when not).
     void setPlaying(bool playing, int64_t nowMs);
     // The playback rate from nowMs on; a rate that is not a positive number
@@ -72,6 +79,9 @@ class cPositionClock {
     int64_t anchorTime_ = 0;
     double rate_ = 1.0;
     bool playing_ = false;
+    bool hunting_ = false;
+    bool huntStarted_ = false;  // the hunt's first reading came: huntFrom_
+    int64_t huntFrom_ = 0;
 };
 
 }  // namespace toval

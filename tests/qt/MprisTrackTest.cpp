@@ -120,6 +120,15 @@ TEST(MprisTrack, PositionRunsWithTheClockAndTheRateAndStandsStillWhenPaused) {
     EXPECT_EQ(c.At(10200), 4200);
     c.Reading(1'000'000, 10200);
     EXPECT_EQ(c.At(10200), 1000);
+    // A hunt ends with the first reading that differs from its first one,
+    // the report just after a step: that one sets the clock.
+    c.Hunt();
+    c.Reading(1'000'000, 10220);
+    c.Reading(1'000'000, 10240);
+    EXPECT_TRUE(c.Hunting());
+    c.Reading(1'250'000, 10260);
+    EXPECT_FALSE(c.Hunting());
+    EXPECT_EQ(c.At(10300), 1290);
     // Far beyond 32 bits stays at the largest position.
     c.Read(std::numeric_limits<int64_t>::max(), 10200);
     EXPECT_EQ(c.At(20000), std::numeric_limits<int32_t>::max());
