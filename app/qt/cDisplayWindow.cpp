@@ -32,8 +32,10 @@ QRect AvailableArea() {
 
 cDisplayWindow::cDisplayWindow(cGlobals& globals, cQtPicture& picture)
     : QWidget(nullptr), globals_(globals), picture_(picture) {
-    setAttribute(Qt::WA_TranslucentBackground);
-    setAttribute(Qt::WA_NoSystemBackground);
+    // Every pixel is painted, opaque: the window's alpha is the window
+    // system's (effect_Alpha), and a glide can move the shown pixels instead
+    // of sending them again.
+    setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
     setWindowTitle(QStringLiteral("Toval"));
     glide_.setInterval(kGlideStepMs);
@@ -82,6 +84,8 @@ void cDisplayWindow::ApplyMode(int32_t mode) {
     if (s.effect_AlwaysOnTop || mode == kModeTray) flags |= Qt::WindowStaysOnTopHint;
     if (mode == kModeTray) flags |= Qt::WindowDoesNotAcceptFocus;
     if (windowFlags() != flags) setWindowFlags(flags);
+    // The whole window is translucent, text and all, as a layered window is.
+    setWindowOpacity(mode == kModeWindow ? s.effect_Alpha / 255.0 : 1.0);
     const QRect area = AvailableArea();
     if (mode == kModeWindow) {
         QRect r(Pixels(s.pos_WinLeft), Pixels(s.pos_WinTop), Pixels(s.size_WinWidth),
@@ -138,18 +142,24 @@ void cDisplayWindow::ScrollTo(const cRect& line) {
 
 void cDisplayWindow::Step() {
     const double done = std::min(1.0, glideClock_.elapsed() / static_cast<double>(kGlideMs));
+    const int before = PictureOrigin().y();
     shownY_ += (targetY_ - shownY_) * done;
     if (done >= 1.0 || std::abs(targetY_ - shownY_) < 0.5) {
         shownY_ = targetY_;
         glide_.stop();
     }
-    update();
+    const int dy = PictureOrigin().y() - before;
+    // The first frame paints the band; the next ones move what the window
+    // shows and paint only the rows that come into view.
+    if (bandStale_ || std::abs(dy) >= height())
+        update();
+    else if (dy != 0)
+        scroll(0, dy);
 }
 
 void cDisplayWindow::paintEvent(QPaintEvent* event) {
     QPainter p(this);
-    QColor background = ColorOf(picture_.Background());
-    background.setAlpha(globals_.Settings.effect_Alpha);
+    const QColor background = ColorOf(picture_.Background());
     p.setCompositionMode(QPainter::CompositionMode_Source);
     if (mode_ != kModeWindow || !PaintBand(p, event->rect(), background)) {
         p.fillRect(event->rect(), background);

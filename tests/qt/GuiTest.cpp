@@ -220,15 +220,17 @@ TEST_F(GuiTest, HighlightFollowsPlayersThatComeGoAndSendGarbage) {
     mpv->Call("Play");
 
     // The settings the dialog hands back reach the window at once: it grows
-    // to the larger font's widest line.
+    // to the larger font's widest line, and takes the new alpha.
     {
         cSettingsDialog dialog(program_->Globals(), program_->LanguageFolder());
         cSettings edited = dialog.Edited();
         edited.font_Size = 14;
+        edited.effect_Alpha = 128;
         program_->ApplySettings(edited, dialog.LanguageFile());
         Pump(300);
         const auto whole = Display()->Lyric()->Delta();
         EXPECT_GE(program_->Window().width(), whole->Final()->X() - whole->Initial()->X());
+        EXPECT_NEAR(program_->Window().windowOpacity(), 128 / 255.0, 0.01);
     }
 
     mpv->Call("Next");
