@@ -16,7 +16,7 @@ namespace {
 
 constexpr int kEdge = 6;          // the width of the resizing border
 constexpr int kGlideMs = 160;     // a change of line glides this long
-constexpr int kGlideStepMs = 32;  // 30 frames a second: smooth, and half the wake-ups of 60
+constexpr int kGlideStepMs = 40;  // four frames: smooth for a glide this short, few wake-ups
 constexpr int kMinWidth = 120, kMinHeight = 32;
 
 int Pixels(int32_t twips) {
