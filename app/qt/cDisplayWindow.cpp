@@ -151,7 +151,7 @@ void cDisplayWindow::Step() {
     const int dy = PictureOrigin().y() - before;
     // The first frame paints the band; the next ones move what the window
     // shows and paint only the rows that come into view.
-    if (bandStale_ || std::abs(dy) >= height())
+    if (bandStale_ || mode_ != kModeWindow || std::abs(dy) >= height())
         update();
     else if (dy != 0)
         scroll(0, dy);

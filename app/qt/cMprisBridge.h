@@ -30,7 +30,7 @@ inline constexpr int32_t kBridgeHandler = 2;
 // reading wakes the program only for its answer; without a tick, the reading
 // comes by itself after kPositionReadLateMs.
 inline constexpr int32_t kPositionReadMs = 1000;
-inline constexpr int32_t kPositionReadLateMs = 1300;
+inline constexpr int32_t kPositionReadLateMs = 1500;
 // After a new track, a seek or play, readings come this often while the
 // clock hunts for the front of the player's reports, this many at most.
 inline constexpr int32_t kHuntReadMs = 20;
