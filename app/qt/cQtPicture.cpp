@@ -1,6 +1,7 @@
 #include "cQtPicture.h"
 
 #include <QFontMetrics>
+#include <QFontMetricsF>
 #include <QPainter>
 #include <QPoint>
 #include <algorithm>
@@ -173,7 +174,13 @@ void cQtPicture::Paint(QPainter& painter, const QPoint& origin, const QRect& cli
             mark.laidOut = true;
         }
         const qreal top = box.top() + (box.height() - mark.shown.size().height()) / 2.0;
-        painter.drawStaticText(QPointF(box.left(), top), mark.shown);
+        // Qt draws a static text's underline in the wrong place when the
+        // screen's scale is fractional (1.5): underlined text, the title's,
+        // is drawn as text.
+        if (mark.underline)
+            painter.drawText(QPointF(box.left(), top + QFontMetricsF(font).ascent()), mark.text);
+        else
+            painter.drawStaticText(QPointF(box.left(), top), mark.shown);
     }
 }
 
