@@ -61,6 +61,18 @@ TEST(QtPicture, ABoxPaintedAgainShowsItsLastTextAloneAndKeepsNoHistory) {
     p.end();
     EXPECT_GT(PixelsOf(image, kRed), 100);
     EXPECT_EQ(PixelsOf(image, kBlue), 0);
+
+    // Underlined, on a screen scaled by 1.5: the underline stays in its box.
+    picture.setUnderline(true);
+    paint(word, kBlue);
+    QImage scaled(450, 300, QImage::Format_ARGB32_Premultiplied);
+    scaled.setDevicePixelRatio(1.5);
+    scaled.fill(Qt::transparent);
+    p.begin(&scaled);
+    picture.Paint(p, QPoint(0, 0), QRect(0, 0, 300, 200), QColor(0, 0, 0, 255));
+    p.end();
+    EXPECT_GT(PixelsOf(scaled.copy(0, 15, 450, 60), kBlue), 100);
+    EXPECT_EQ(PixelsOf(scaled.copy(0, 75, 450, 225), kBlue), 0);
 }
 
 }  // namespace
