@@ -99,6 +99,8 @@ shown=$(grep -m1 "highlight line=[0-9]" "$out/trace.txt" | cut -d' ' -f1)
 started=$(grep -m1 " start$" "$out/trace.txt" | cut -d' ' -f1)
 toval_launch=$((shown - t0))
 toval_startup=$((started - t0))
+# The minute starts 2 s after the lyric shows, as the peer's does after its window.
+sleep 2
 c0=$(cpu_ms "$toval_pid")
 sleep "$seconds"
 c1=$(cpu_ms "$toval_pid")
