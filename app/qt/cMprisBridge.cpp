@@ -41,7 +41,7 @@ cMprisBridge::cMprisBridge(QDBusConnection bus, QString player, QObject* parent)
     : QObject(parent), bus_(std::move(bus)), filter_(std::move(player)) {
     readTimer_.setInterval(kPositionReadLateMs);
     connect(&readTimer_, &QTimer::timeout, this, [this] {
-        if (hunt_ > 0 && --hunt_ == 0) readTimer_.setInterval(kPositionReadLateMs);
+        if (hunt_ > 0 && --hunt_ == 0) EndHunt();
         ReadPosition();
     });
     if (!bus_.isConnected()) return;
@@ -257,6 +257,11 @@ void cMprisBridge::StartHunt() {
     readTimer_.setInterval(kHuntReadMs);
 }
 
+void cMprisBridge::EndHunt() {
+    hunt_ = 0;
+    readTimer_.setInterval(kPositionReadLateMs);
+}
+
 void cMprisBridge::ReadPosition() {
     const auto it = players_.find(followed_);
     if (it == players_.end()) return;
@@ -285,10 +290,7 @@ void cMprisBridge::ReadPosition() {
                 // The player answered somewhere between sending and now: take the middle.
                 const int64_t now = Now();
                 clock_.Reading(value.toLongLong(), sent + (now - sent) / 2);
-                if (hunt_ > 0 && !clock_.Hunting()) {
-                    hunt_ = 0;
-                    readTimer_.setInterval(kPositionReadLateMs);
-                }
+                if (hunt_ > 0 && !clock_.Hunting()) EndHunt();
                 if (onPositionChanged) onPositionChanged();
             });
 }

@@ -94,6 +94,7 @@ class cMprisBridge : public QObject, public PluginChannel {
     void Stopped();
     void ReadPosition();
     void StartHunt();
+    void EndHunt();
     void Deliver(uint32_t message, int64_t lParam, const std::string& data);
 
     QDBusConnection bus_;
@@ -107,7 +108,7 @@ class cMprisBridge : public QObject, public PluginChannel {
     int32_t serial_ = 0;
     cPositionClock clock_;
     QTimer readTimer_;
-    int32_t hunt_ = 0;  // quick readings left
+    int32_t hunt_ = 0;      // quick readings left
     int64_t lastRead_ = 0;  // when the last reading was asked for (Now)
 };
 

@@ -157,16 +157,14 @@ void cPositionClock::Read(int64_t positionUs, int64_t nowMs) {
 
 void cPositionClock::Hunt() {
     hunting_ = true;
-    huntStarted_ = false;
+    huntFrom_.reset();
 }
 
 void cPositionClock::Reading(int64_t positionUs, int64_t nowMs) {
-    if (hunting_ && !huntStarted_) {
-        huntStarted_ = true;
+    if (hunting_ && !huntFrom_)
         huntFrom_ = positionUs;
-    } else if (hunting_ && positionUs != huntFrom_) {
+    else if (hunting_ && positionUs != *huntFrom_)
         hunting_ = false;
-    }
     const double reading = positionUs > 0 ? static_cast<double>(positionUs) / 1000.0 : 0.0;
     const double clock = Extrapolated(nowMs);
     if (!playing_ || reading > clock || reading < clock - kLagMs) Read(positionUs, nowMs);

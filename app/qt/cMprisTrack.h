@@ -5,6 +5,7 @@
 
 #include <QVariantMap>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -80,8 +81,7 @@ class cPositionClock {
     double rate_ = 1.0;
     bool playing_ = false;
     bool hunting_ = false;
-    bool huntStarted_ = false;  // the hunt's first reading came: huntFrom_
-    int64_t huntFrom_ = 0;
+    std::optional<int64_t> huntFrom_;  // the hunt's first reading, once it came
 };
 
 }  // namespace toval
