@@ -6,6 +6,7 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <chrono>
+#include <utility>
 
 #include "core/cPlugin.h"
 
@@ -41,8 +42,10 @@ cMprisBridge::cMprisBridge(QDBusConnection bus, QString player, QObject* parent)
     : QObject(parent), bus_(std::move(bus)), filter_(std::move(player)) {
     readTimer_.setInterval(kPositionReadLateMs);
     connect(&readTimer_, &QTimer::timeout, this, [this] {
+        const bool took = TakeTickReading();
         if (hunt_ > 0 && --hunt_ == 0) EndHunt();
         ReadPosition();
+        if (took && onPositionChanged) onPositionChanged();
     });
     if (!bus_.isConnected()) return;
     bus_.connect(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
@@ -242,6 +245,7 @@ void cMprisBridge::Stopped() {
     announced_ = false;
     announcedTrack_ = {};
     clock_ = cPositionClock();
+    tickReading_.reset();
     Deliver(kWmUser, 1, {});
 }
 
@@ -252,6 +256,8 @@ void cMprisBridge::Deliver(uint32_t message, int64_t lParam, const std::string& 
 }
 
 void cMprisBridge::StartHunt() {
+    // A reading taken before the clock was set anew would move it back.
+    tickReading_.reset();
     hunt_ = kHuntReadings;
     clock_.Hunt();
     readTimer_.setInterval(kHuntReadMs);
@@ -262,7 +268,7 @@ void cMprisBridge::EndHunt() {
     readTimer_.setInterval(kPositionReadLateMs);
 }
 
-void cMprisBridge::ReadPosition() {
+void cMprisBridge::ReadPosition(bool withTick) {
     const auto it = players_.find(followed_);
     if (it == players_.end()) return;
     if (it->second.status == QLatin1String("Playing")) {
@@ -276,23 +282,52 @@ void cMprisBridge::ReadPosition() {
     const QString asked = followed_;
     const int64_t sent = Now();
     lastRead_ = sent;
-    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(get, kCallTimeoutMs), this);
+    const QDBusPendingCall call = bus_.asyncCall(get, kCallTimeoutMs);
+    if (withTick && answerMs_ >= 0 && answerMs_ <= kQuickAnswerMs) {
+        tickReading_ = TickReading{call, asked, sent};
+        return;
+    }
+    auto* watcher = new QDBusPendingCallWatcher(call, this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
             [this, asked, sent](QDBusPendingCallWatcher* w) {
                 w->deleteLater();
-                const QDBusMessage reply = w->reply();
-                if (asked != followed_ || reply.type() != QDBusMessage::ReplyMessage ||
-                    reply.arguments().isEmpty())
-                    return;
-                const QVariant value = Unwrapped(reply.arguments().constFirst());
-                if (value.typeId() != QMetaType::LongLong && value.typeId() != QMetaType::Int)
-                    return;
-                // The player answered somewhere between sending and now: take the middle.
+                if (asked != followed_) return;
                 const int64_t now = Now();
-                clock_.Reading(value.toLongLong(), sent + (now - sent) / 2);
-                if (hunt_ > 0 && !clock_.Hunting()) EndHunt();
+                answerMs_ = now - sent;
+                // The player answered somewhere between sending and now: take the middle.
+                TakeReading(w->reply(), sent + answerMs_ / 2);
                 if (onPositionChanged) onPositionChanged();
             });
+}
+
+bool cMprisBridge::TakeTickReading() {
+    if (!tickReading_ || !tickReading_->call.isFinished()) return false;
+    const TickReading reading = *std::exchange(tickReading_, std::nullopt);
+    if (reading.asked != followed_) return false;
+    // The answer came some time before this tick; the player took the reading
+    // about half of its usual round trip after it was sent.
+    TakeReading(reading.call.reply(), reading.sent + answerMs_ / 2);
+    return true;
+}
+
+void cMprisBridge::TakeReading(const QDBusMessage& reply, int64_t at) {
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) return;
+    const QVariant value = Unwrapped(reply.arguments().constFirst());
+    if (value.typeId() != QMetaType::LongLong && value.typeId() != QMetaType::Int) return;
+    clock_.Reading(value.toLongLong(), at);
+    if (hunt_ > 0 && !clock_.Hunting()) EndHunt();
+}
+
+int64_t cMprisBridge::Until(int32_t positionMs) {
+    const int64_t now = Now();
+    const int64_t wait = clock_.Until(positionMs, now);
+    if (hunt_ == 0 && readTimer_.isActive()) {
+        const int64_t since = now - lastRead_;
+        const bool sleepsLong = wait < 0 || since + wait > kPositionReadLateMs;
+        if (since >= kPositionReadMs || (since >= kPositionReadEarlyMs && sleepsLong))
+            ReadPosition(true);
+    }
+    return wait;
 }
 
 int32_t cMprisBridge::SendCommand(int32_t window, int32_t command, int32_t /*argument*/) {
@@ -304,10 +339,8 @@ int32_t cMprisBridge::SendCommand(int32_t window, int32_t command, int32_t /*arg
             return 1;
         case kCmdPosition: {
             if (!announced_) return 0;
-            const int64_t now = Now();
-            if (hunt_ == 0 && readTimer_.isActive() && now - lastRead_ >= kPositionReadMs)
-                ReadPosition();
-            return clock_.At(now);
+            TakeTickReading();
+            return clock_.At(Now());
         }
         case kCmdPlaylistPos:
             return serial_;

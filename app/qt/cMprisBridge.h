@@ -10,11 +10,13 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusPendingCall>
 #include <QObject>
 #include <QString>
 #include <QTimer>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "cMprisTrack.h"
@@ -25,12 +27,17 @@ namespace toval {
 // The handles the bridge stands in with: a plug-in window that always exists.
 inline constexpr int32_t kBridgeWindow = 1;
 inline constexpr int32_t kBridgeHandler = 2;
-// Readings of the position while playing, this far apart: the first tick of
-// the core after kPositionReadMs takes the next reading with it, so that a
-// reading wakes the program only for its answer; without a tick, the reading
-// comes by itself after kPositionReadLateMs.
+// Readings of the position while playing, this far apart. A reading goes
+// with a tick of the core: the first tick after kPositionReadMs, or an earlier
+// one (after kPositionReadEarlyMs) when the core then sleeps past
+// kPositionReadLateMs. Its answer is not waited for: the next tick takes it.
+// Without a tick, the reading comes by itself after kPositionReadLateMs.
 inline constexpr int32_t kPositionReadMs = 1000;
+inline constexpr int32_t kPositionReadEarlyMs = 600;
 inline constexpr int32_t kPositionReadLateMs = 1500;
+// Only a player that answered this quickly gets readings not waited for: the
+// time of such a reading is then known to within half of it.
+inline constexpr int32_t kQuickAnswerMs = 10;
 // After a new track, a seek or play, readings come this often while the
 // clock hunts for the front of the player's reports, this many at most.
 inline constexpr int32_t kHuntReadMs = 20;
@@ -58,6 +65,10 @@ class cMprisBridge : public QObject, public PluginChannel {
     QString Followed() const { return followed_; }
     // The followed player's position, as the core sees it.
     const cPositionClock& Position() const { return clock_; }
+    // Milliseconds until the followed player reaches positionMs (as
+    // cPositionClock::Until), for the core to sleep that long. A reading
+    // that would fall due while the core sleeps goes now, with this tick.
+    int64_t Until(int32_t positionMs);
     // Raised after anything that may move the position (a reading, a seek,
     // play, pause, rate): a sleeping poll should look again.
     std::function<void()> onPositionChanged;
@@ -92,7 +103,12 @@ class cMprisBridge : public QObject, public PluginChannel {
     // Tells the core the followed player's track, when it is new to it.
     void Announce(bool force);
     void Stopped();
-    void ReadPosition();
+    // withTick: the reading goes with a tick of the core, and a quick
+    // player's answer waits for the next tick (no wake-up of its own).
+    void ReadPosition(bool withTick = false);
+    // Takes the answer to a reading that went with a tick, if it came.
+    bool TakeTickReading();
+    void TakeReading(const QDBusMessage& reply, int64_t at);
     void StartHunt();
     void EndHunt();
     void Deliver(uint32_t message, int64_t lParam, const std::string& data);
@@ -108,8 +124,15 @@ class cMprisBridge : public QObject, public PluginChannel {
     int32_t serial_ = 0;
     cPositionClock clock_;
     QTimer readTimer_;
-    int32_t hunt_ = 0;      // quick readings left
-    int64_t lastRead_ = 0;  // when the last reading was asked for (Now)
+    int32_t hunt_ = 0;       // quick readings left
+    int64_t lastRead_ = 0;   // when the last reading was asked for (Now)
+    int64_t answerMs_ = -1;  // the round trip of the last reading waited for
+    struct TickReading {
+        QDBusPendingCall call;
+        QString asked;  // the player asked
+        int64_t sent;
+    };
+    std::optional<TickReading> tickReading_;
 };
 
 }  // namespace toval

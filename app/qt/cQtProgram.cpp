@@ -69,9 +69,7 @@ cQtProgram::cQtProgram(Options options)
     cMainLogic::Parts parts{shell_, bridge_, ini_, clock_, poll_, destroy_, picture_, picture_};
     parts.logFolder = cQtShell::StateFolder();
     // The bridge knows where the player will be: the core sleeps until the next highlight.
-    parts.forecast = [this](int32_t positionMs) {
-        return bridge_.Position().Until(positionMs, bridge_.Now());
-    };
+    parts.forecast = [this](int32_t positionMs) { return bridge_.Until(positionMs); };
     logic_ = std::make_unique<cMainLogic>(
         globals_, parts,
         [this](cConfig& config, Random& random, const std::shared_ptr<cMusic>& track) {

@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <QDir>
 #include <QElapsedTimer>
@@ -22,10 +23,12 @@
 #include <QStandardPaths>
 #include <QTimer>
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
 #include <memory>
 
 #include "cEditorWindow.h"
+#include "cMprisBridge.h"
 #include "cQtProgram.h"
 #include "cSettingsDialog.h"
 #include "core/cMainLogic.h"
@@ -144,6 +147,82 @@ class GarbagePlayer final : public QDBusVirtualObject {
   private:
     QDBusConnection bus_;
 };
+
+// A playing player whose position the test sets, answered as it stands, and
+// which can announce a seek.
+class ScriptedPlayer final : public QDBusVirtualObject {
+  public:
+    ScriptedPlayer()
+        : bus_(QDBusConnection::connectToBus(QDBusConnection::SessionBus, "scripted")) {
+        bus_.registerVirtualObject("/org/mpris/MediaPlayer2", this);
+        bus_.registerService("org.mpris.MediaPlayer2.scripted");
+    }
+    ~ScriptedPlayer() override {
+        bus_.unregisterService("org.mpris.MediaPlayer2.scripted");
+        bus_.unregisterObject("/org/mpris/MediaPlayer2");
+        QDBusConnection::disconnectFromBus("scripted");
+    }
+    QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        if (message.member() == "GetAll") {
+            const QVariantMap metadata{{"xesam:title", "Scripted"},
+                                       {"mpris:length", qlonglong{60'000'000}}};
+            const QVariantMap all{
+                {"PlaybackStatus", "Playing"}, {"Rate", 1.0}, {"Metadata", metadata}};
+            connection.send(message.createReply(QVariant::fromValue(all)));
+        } else {
+            // A microsecond on with every answer, as a playing player's position moves.
+            const qlonglong at = positionUs.fetch_add(1);
+            connection.send(message.createReply(QVariant::fromValue(QDBusVariant(at))));
+        }
+        return true;
+    }
+    void Seek(int64_t us) {
+        positionUs = us;
+        QDBusMessage seeked = QDBusMessage::createSignal("/org/mpris/MediaPlayer2",
+                                                         "org.mpris.MediaPlayer2.Player", "Seeked");
+        seeked << qlonglong{us};
+        bus_.send(seeked);
+    }
+    std::atomic<int64_t> positionUs{5'000'000};
+
+  private:
+    QDBusConnection bus_;
+};
+
+// A reading that goes with a tick of the core wakes nothing: the next tick
+// takes its answer, an unannounced jump included; but an answer that was on
+// its way when the player announced a seek never undoes the seek.
+TEST(MprisBridge, TickReadingsAreTakenByTheNextTickAndNeverUndoASeek) {
+    if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
+        GTEST_SKIP() << "needs a session bus (with-desktop.sh)";
+    ScriptedPlayer player;
+    cMprisBridge bridge(QDBusConnection::sessionBus(), "scripted");
+    int64_t now = 1000;
+    bridge.nowMs = [&] { return now; };
+    int wakes = 0;
+    bridge.onPositionChanged = [&] { ++wakes; };
+    const auto position = [&] { return bridge.SendCommand(kBridgeWindow, kCmdPosition, 0); };
+    ASSERT_TRUE(WaitFor(
+        [&] { return !bridge.Followed().isEmpty() && !bridge.Position().Hunting(); }, 3000));
+    Pump(100);
+    EXPECT_NEAR(position(), 5000, 1);
+
+    player.positionUs = 30'000'000;
+    now += kPositionReadMs;
+    bridge.Until(100'000);
+    const int before = wakes;
+    Pump(200);
+    EXPECT_EQ(wakes, before);
+    EXPECT_NEAR(position(), 30'000, 1);
+
+    now += kPositionReadMs;
+    bridge.Until(100'000);
+    Pump(200);
+    player.Seek(2'000'000);
+    ASSERT_TRUE(WaitFor([&] { return bridge.Position().At(now) < 3000; }, 2000));
+    EXPECT_NEAR(position(), 2000, 1);
+}
 
 class GuiTest : public ::testing::Test {
   protected:
