@@ -14,9 +14,11 @@ namespace toval {
 
 namespace {
 
-constexpr int kEdge = 6;          // the width of the resizing border
-constexpr int kGlideMs = 160;     // a change of line glides this long
-constexpr int kGlideStepMs = 40;  // four frames: smooth for a glide this short, few wake-ups
+constexpr int kEdge = 6;  // the width of the resizing border
+// A change of line glides in four frames 40 ms apart, the first with the
+// change itself: smooth for a glide this short, and three wake-ups.
+constexpr int kGlideFrames = 4;
+constexpr int kGlideStepMs = 40;
 constexpr int kMinWidth = 120, kMinHeight = 32;
 
 int Pixels(int32_t twips) {
@@ -138,10 +140,12 @@ void cDisplayWindow::ScrollTo(const cRect& line) {
     glideClock_.start();
     if (!glide_.isActive()) glide_.start();
     bandStale_ = true;
+    Step();
 }
 
 void cDisplayWindow::Step() {
-    const double done = std::min(1.0, glideClock_.elapsed() / static_cast<double>(kGlideMs));
+    const double done = std::min(1.0, static_cast<double>(glideClock_.elapsed() + kGlideStepMs) /
+                                          (kGlideFrames * kGlideStepMs));
     const int before = PictureOrigin().y();
     shownY_ += (targetY_ - shownY_) * done;
     if (done >= 1.0 || std::abs(targetY_ - shownY_) < 0.5) {
