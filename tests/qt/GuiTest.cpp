@@ -3,7 +3,8 @@
 // lyric beside the track, shows it, and the highlight follows a seek back, a
 // pause and a change of track; no player, a player that quits and another
 // that appears, a player that sends garbage; the editor times the playing
-// track with the arrow keys and saves the lyric beside it.
+// track with the arrow keys and saves the lyric beside it. And the bridge
+// alone against a scripted player: when it takes the answers of its readings.
 #include <gtest/gtest.h>
 
 #include <QApplication>
