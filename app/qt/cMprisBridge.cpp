@@ -42,7 +42,7 @@ cMprisBridge::cMprisBridge(QDBusConnection bus, QString player, QObject* parent)
     : QObject(parent), bus_(std::move(bus)), filter_(std::move(player)) {
     readTimer_.setInterval(kPositionReadLateMs);
     connect(&readTimer_, &QTimer::timeout, this, [this] {
-        const bool took = TakeTickReading();
+        const bool took = TakeUnwaited();
         if (hunt_ > 0 && --hunt_ == 0) EndHunt();
         ReadPosition();
         if (took && onPositionChanged) onPositionChanged();
@@ -245,7 +245,7 @@ void cMprisBridge::Stopped() {
     announced_ = false;
     announcedTrack_ = {};
     clock_ = cPositionClock();
-    tickReading_.reset();
+    unwaited_.reset();
     Deliver(kWmUser, 1, {});
 }
 
@@ -257,7 +257,7 @@ void cMprisBridge::Deliver(uint32_t message, int64_t lParam, const std::string& 
 
 void cMprisBridge::StartHunt() {
     // A reading taken before the clock was set anew would move it back.
-    tickReading_.reset();
+    unwaited_.reset();
     hunt_ = kHuntReadings;
     clock_.Hunt();
     readTimer_.setInterval(kHuntReadMs);
@@ -268,7 +268,7 @@ void cMprisBridge::EndHunt() {
     readTimer_.setInterval(kPositionReadLateMs);
 }
 
-void cMprisBridge::ReadPosition(bool withTick) {
+void cMprisBridge::ReadPosition() {
     const auto it = players_.find(followed_);
     if (it == players_.end()) return;
     if (it->second.status == QLatin1String("Playing")) {
@@ -283,8 +283,8 @@ void cMprisBridge::ReadPosition(bool withTick) {
     const int64_t sent = Now();
     lastRead_ = sent;
     const QDBusPendingCall call = bus_.asyncCall(get, kCallTimeoutMs);
-    if (withTick && answerMs_ >= 0 && answerMs_ <= kQuickAnswerMs) {
-        tickReading_ = TickReading{call, asked, sent};
+    if (hunt_ == 0 && answerMs_ >= 0 && answerMs_ <= kQuickAnswerMs) {
+        unwaited_ = Unwaited{call, asked, sent};
         return;
     }
     auto* watcher = new QDBusPendingCallWatcher(call, this);
@@ -300,12 +300,12 @@ void cMprisBridge::ReadPosition(bool withTick) {
             });
 }
 
-bool cMprisBridge::TakeTickReading() {
-    if (!tickReading_ || !tickReading_->call.isFinished()) return false;
-    const TickReading reading = *std::exchange(tickReading_, std::nullopt);
+bool cMprisBridge::TakeUnwaited() {
+    if (!unwaited_ || !unwaited_->call.isFinished()) return false;
+    const Unwaited reading = *std::exchange(unwaited_, std::nullopt);
     if (reading.asked != followed_) return false;
-    // The answer came some time before this tick; the player took the reading
-    // about half of its usual round trip after it was sent.
+    // The answer came some time before now; the player took the reading about
+    // half of its usual round trip after it was asked.
     TakeReading(reading.call.reply(), reading.sent + answerMs_ / 2);
     return true;
 }
@@ -325,7 +325,7 @@ int64_t cMprisBridge::Until(int32_t positionMs) {
         const int64_t since = now - lastRead_;
         const bool sleepsLong = wait < 0 || since + wait > kPositionReadLateMs;
         if (since >= kPositionReadMs || (since >= kPositionReadEarlyMs && sleepsLong))
-            ReadPosition(true);
+            ReadPosition();
     }
     return wait;
 }
@@ -339,7 +339,7 @@ int32_t cMprisBridge::SendCommand(int32_t window, int32_t command, int32_t /*arg
             return 1;
         case kCmdPosition: {
             if (!announced_) return 0;
-            TakeTickReading();
+            TakeUnwaited();
             return clock_.At(Now());
         }
         case kCmdPlaylistPos:

@@ -30,13 +30,15 @@ inline constexpr int32_t kBridgeHandler = 2;
 // Readings of the position while playing, this far apart. A reading goes
 // with a tick of the core: the first tick after kPositionReadMs, or an earlier
 // one (after kPositionReadEarlyMs) when the core then sleeps past
-// kPositionReadLateMs. Its answer is not waited for: the next tick takes it.
-// Without a tick, the reading comes by itself after kPositionReadLateMs.
+// kPositionReadLateMs. Without a tick, the reading comes by itself after
+// kPositionReadLateMs.
 inline constexpr int32_t kPositionReadMs = 1000;
 inline constexpr int32_t kPositionReadEarlyMs = 600;
 inline constexpr int32_t kPositionReadLateMs = 1500;
-// Only a player that answered this quickly gets readings not waited for: the
-// time of such a reading is then known to within half of it.
+// The answer to a reading wakes nothing when the player answered the last
+// reading waited for within kQuickAnswerMs: the next tick of the core, or
+// the next reading, takes it, timed at half of that round trip after asking.
+// Only the hunt below waits for its answers.
 inline constexpr int32_t kQuickAnswerMs = 10;
 // After a new track, a seek or play, readings come this often while the
 // clock hunts for the front of the player's reports, this many at most.
@@ -103,11 +105,9 @@ class cMprisBridge : public QObject, public PluginChannel {
     // Tells the core the followed player's track, when it is new to it.
     void Announce(bool force);
     void Stopped();
-    // withTick: the reading goes with a tick of the core, and a quick
-    // player's answer waits for the next tick (no wake-up of its own).
-    void ReadPosition(bool withTick = false);
-    // Takes the answer to a reading that went with a tick, if it came.
-    bool TakeTickReading();
+    void ReadPosition();
+    // Takes the answer to a reading not waited for, if it came.
+    bool TakeUnwaited();
     void TakeReading(const QDBusMessage& reply, int64_t at);
     void StartHunt();
     void EndHunt();
@@ -127,12 +127,12 @@ class cMprisBridge : public QObject, public PluginChannel {
     int32_t hunt_ = 0;       // quick readings left
     int64_t lastRead_ = 0;   // when the last reading was asked for (Now)
     int64_t answerMs_ = -1;  // the round trip of the last reading waited for
-    struct TickReading {
+    struct Unwaited {
         QDBusPendingCall call;
         QString asked;  // the player asked
         int64_t sent;
     };
-    std::optional<TickReading> tickReading_;
+    std::optional<Unwaited> unwaited_;
 };
 
 }  // namespace toval

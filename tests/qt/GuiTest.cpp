@@ -191,10 +191,10 @@ class ScriptedPlayer final : public QDBusVirtualObject {
     QDBusConnection bus_;
 };
 
-// A reading that goes with a tick of the core wakes nothing: the next tick
-// takes its answer, an unannounced jump included; but an answer that was on
-// its way when the player announced a seek never undoes the seek.
-TEST(MprisBridge, TickReadingsAreTakenByTheNextTickAndNeverUndoASeek) {
+// The answer to a reading of a quick player wakes nothing: the next tick takes
+// it, an unannounced jump included; but an answer that was on its way when
+// the player announced a seek never undoes the seek.
+TEST(MprisBridge, AnswersWaitForTheNextTickAndNeverUndoASeek) {
     if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
         GTEST_SKIP() << "needs a session bus (with-desktop.sh)";
     ScriptedPlayer player;
@@ -223,6 +223,14 @@ TEST(MprisBridge, TickReadingsAreTakenByTheNextTickAndNeverUndoASeek) {
     player.Seek(2'000'000);
     ASSERT_TRUE(WaitFor([&] { return bridge.Position().At(now) < 3000; }, 2000));
     EXPECT_NEAR(position(), 2000, 1);
+
+    // Nor does a reading that comes by itself, without a tick.
+    ASSERT_TRUE(WaitFor([&] { return !bridge.Position().Hunting(); }, 2000));
+    player.positionUs = 40'000'000;
+    const int settled = wakes;
+    Pump(kPositionReadLateMs + 300);
+    EXPECT_EQ(wakes, settled);
+    EXPECT_NEAR(position(), 40'000, 1);
 }
 
 class GuiTest : public ::testing::Test {
