@@ -283,7 +283,8 @@ void cMprisBridge::ReadPosition() {
     const int64_t sent = Now();
     lastRead_ = sent;
     const QDBusPendingCall call = bus_.asyncCall(get, kCallTimeoutMs);
-    if (hunt_ == 0 && answerMs_ >= 0 && answerMs_ <= kQuickAnswerMs) {
+    if (hunt_ == 0 && unwaitedLeft_ > 0) {
+        --unwaitedLeft_;
         unwaited_ = Unwaited{call, asked, sent};
         return;
     }
@@ -294,6 +295,7 @@ void cMprisBridge::ReadPosition() {
                 if (asked != followed_) return;
                 const int64_t now = Now();
                 answerMs_ = now - sent;
+                unwaitedLeft_ = answerMs_ <= kQuickAnswerMs ? kUnwaitedReadings : 0;
                 // The player answered somewhere between sending and now: take the middle.
                 TakeReading(w->reply(), sent + answerMs_ / 2);
                 if (onPositionChanged) onPositionChanged();

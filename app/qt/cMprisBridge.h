@@ -38,8 +38,10 @@ inline constexpr int32_t kPositionReadLateMs = 1500;
 // The answer to a reading wakes nothing when the player answered the last
 // reading waited for within kQuickAnswerMs: the next tick of the core, or
 // the next reading, takes it, timed at half of that round trip after asking.
-// Only the hunt below waits for its answers.
+// The hunt below waits for its answers, and so does every tenth reading, so
+// that a player that grew slow is known.
 inline constexpr int32_t kQuickAnswerMs = 10;
+inline constexpr int32_t kUnwaitedReadings = 9;
 // After a new track, a seek or play, readings come this often while the
 // clock hunts for the front of the player's reports, this many at most.
 inline constexpr int32_t kHuntReadMs = 20;
@@ -124,9 +126,10 @@ class cMprisBridge : public QObject, public PluginChannel {
     int32_t serial_ = 0;
     cPositionClock clock_;
     QTimer readTimer_;
-    int32_t hunt_ = 0;       // quick readings left
-    int64_t lastRead_ = 0;   // when the last reading was asked for (Now)
-    int64_t answerMs_ = -1;  // the round trip of the last reading waited for
+    int32_t hunt_ = 0;          // quick readings left
+    int64_t lastRead_ = 0;      // when the last reading was asked for (Now)
+    int64_t answerMs_ = -1;     // the round trip of the last reading waited for
+    int32_t unwaitedLeft_ = 0;  // readings not to wait for until the next one waited for
     struct Unwaited {
         QDBusPendingCall call;
         QString asked;  // the player asked
