@@ -107,87 +107,38 @@ class Mpv {
     QProcess process_;
 };
 
-// A player that answers every question with garbage.
-class GarbagePlayer final : public QDBusVirtualObject {
+// A player of the test's own on the bus, as org.mpris.MediaPlayer2.<name>:
+// it answers every call with what answer makes of it.
+class FakePlayer final : public QDBusVirtualObject {
   public:
-    GarbagePlayer() : bus_(QDBusConnection::connectToBus(QDBusConnection::SessionBus, "garbage")) {
+    using Answer = std::function<QVariant(const QDBusMessage&)>;
+    FakePlayer(const QString& name, Answer answer)
+        : name_(name),
+          answer_(std::move(answer)),
+          bus_(QDBusConnection::connectToBus(QDBusConnection::SessionBus, name)) {
         bus_.registerVirtualObject("/org/mpris/MediaPlayer2", this);
-        bus_.registerService("org.mpris.MediaPlayer2.garbage");
+        bus_.registerService("org.mpris.MediaPlayer2." + name);
     }
-    ~GarbagePlayer() override {
-        bus_.unregisterService("org.mpris.MediaPlayer2.garbage");
+    ~FakePlayer() override {
+        bus_.unregisterService("org.mpris.MediaPlayer2." + name_);
         bus_.unregisterObject("/org/mpris/MediaPlayer2");
-        QDBusConnection::disconnectFromBus("garbage");
+        QDBusConnection::disconnectFromBus(name_);
     }
     QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-        if (message.member() == "GetAll") {
-            // (What the bridge makes of each wrong field is its own unit test's.)
-            QVariantMap metadata{{"xesam:title", 12},
-                                 {"xesam:artist", QString(200000, QChar(0x05D0))}};
-            QVariantMap all{
-                {"PlaybackStatus", "Playing"}, {"Rate", "fast"}, {"Metadata", metadata}};
-            connection.send(message.createReply(QVariant::fromValue(all)));
-        } else {
-            connection.send(message.createReply(QVariant::fromValue(QStringLiteral("soon"))));
-        }
+        connection.send(message.createReply(answer_(message)));
         return true;
     }
-    // Signals of the wrong shape.
-    void SendNonsense() {
-        QDBusMessage bad = QDBusMessage::createSignal(
-            "/org/mpris/MediaPlayer2", "org.freedesktop.DBus.Properties", "PropertiesChanged");
-        bad << 5 << QStringLiteral("x");
-        bus_.send(bad);
-        QDBusMessage seek = QDBusMessage::createSignal("/org/mpris/MediaPlayer2",
-                                                       "org.mpris.MediaPlayer2.Player", "Seeked");
-        seek << QStringLiteral("later");
-        bus_.send(seek);
+    void Signal(const QString& interface, const QString& member, const QVariantList& args) {
+        QDBusMessage signal =
+            QDBusMessage::createSignal("/org/mpris/MediaPlayer2", interface, member);
+        signal.setArguments(args);
+        bus_.send(signal);
     }
 
   private:
-    QDBusConnection bus_;
-};
-
-// A playing player whose position the test sets, answered as it stands, and
-// which can announce a seek.
-class ScriptedPlayer final : public QDBusVirtualObject {
-  public:
-    ScriptedPlayer()
-        : bus_(QDBusConnection::connectToBus(QDBusConnection::SessionBus, "scripted")) {
-        bus_.registerVirtualObject("/org/mpris/MediaPlayer2", this);
-        bus_.registerService("org.mpris.MediaPlayer2.scripted");
-    }
-    ~ScriptedPlayer() override {
-        bus_.unregisterService("org.mpris.MediaPlayer2.scripted");
-        bus_.unregisterObject("/org/mpris/MediaPlayer2");
-        QDBusConnection::disconnectFromBus("scripted");
-    }
-    QString introspect(const QString&) const override { return {}; }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-        if (message.member() == "GetAll") {
-            const QVariantMap metadata{{"xesam:title", "Scripted"},
-                                       {"mpris:length", qlonglong{60'000'000}}};
-            const QVariantMap all{
-                {"PlaybackStatus", "Playing"}, {"Rate", 1.0}, {"Metadata", metadata}};
-            connection.send(message.createReply(QVariant::fromValue(all)));
-        } else {
-            // A microsecond on with every answer, as a playing player's position moves.
-            const qlonglong at = positionUs.fetch_add(1);
-            connection.send(message.createReply(QVariant::fromValue(QDBusVariant(at))));
-        }
-        return true;
-    }
-    void Seek(int64_t us) {
-        positionUs = us;
-        QDBusMessage seeked = QDBusMessage::createSignal("/org/mpris/MediaPlayer2",
-                                                         "org.mpris.MediaPlayer2.Player", "Seeked");
-        seeked << qlonglong{us};
-        bus_.send(seeked);
-    }
-    std::atomic<int64_t> positionUs{5'000'000};
-
-  private:
+    QString name_;
+    Answer answer_;
     QDBusConnection bus_;
 };
 
@@ -197,7 +148,15 @@ class ScriptedPlayer final : public QDBusVirtualObject {
 TEST(MprisBridge, AnswersWaitForTheNextTickAndNeverUndoASeek) {
     if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
         GTEST_SKIP() << "needs a session bus (with-desktop.sh)";
-    ScriptedPlayer player;
+    // A playing player; its position moves a microsecond with every answer.
+    std::atomic<int64_t> positionUs{5'000'000};
+    FakePlayer player("scripted", [&](const QDBusMessage& message) -> QVariant {
+        if (message.member() != "GetAll")
+            return QVariant::fromValue(QDBusVariant(qlonglong{positionUs.fetch_add(1)}));
+        const QVariantMap metadata{{"xesam:title", "Scripted"},
+                                   {"mpris:length", qlonglong{60'000'000}}};
+        return QVariantMap{{"PlaybackStatus", "Playing"}, {"Rate", 1.0}, {"Metadata", metadata}};
+    });
     cMprisBridge bridge(QDBusConnection::sessionBus(), "scripted");
     int64_t now = 1000;
     bridge.nowMs = [&] { return now; };
@@ -209,7 +168,7 @@ TEST(MprisBridge, AnswersWaitForTheNextTickAndNeverUndoASeek) {
     Pump(100);
     EXPECT_NEAR(position(), 5000, 1);
 
-    player.positionUs = 30'000'000;
+    positionUs = 30'000'000;
     now += kPositionReadMs;
     bridge.Until(100'000);
     const int before = wakes;
@@ -220,13 +179,14 @@ TEST(MprisBridge, AnswersWaitForTheNextTickAndNeverUndoASeek) {
     now += kPositionReadMs;
     bridge.Until(100'000);
     Pump(200);
-    player.Seek(2'000'000);
+    positionUs = 2'000'000;
+    player.Signal("org.mpris.MediaPlayer2.Player", "Seeked", {qlonglong{2'000'000}});
     ASSERT_TRUE(WaitFor([&] { return bridge.Position().At(now) < 3000; }, 2000));
     EXPECT_NEAR(position(), 2000, 1);
 
     // Nor does a reading that comes by itself, without a tick.
     ASSERT_TRUE(WaitFor([&] { return !bridge.Position().Hunting(); }, 2000));
-    player.positionUs = 40'000'000;
+    positionUs = 40'000'000;
     const int settled = wakes;
     Pump(kPositionReadLateMs + 300);
     EXPECT_EQ(wakes, settled);
@@ -330,11 +290,21 @@ TEST_F(GuiTest, HighlightFollowsPlayersThatComeGoAndSendGarbage) {
         [&] { return FirstLine().empty() && program_->Bridge().Followed().isEmpty(); }, 5000));
 
     {
-        GarbagePlayer garbage;
+        // It answers every question with garbage. (What the bridge makes of
+        // each wrong field is its own unit test's.)
+        FakePlayer garbage("garbage", [](const QDBusMessage& message) -> QVariant {
+            if (message.member() != "GetAll") return QStringLiteral("soon");
+            const QVariantMap metadata{{"xesam:title", 12},
+                                       {"xesam:artist", QString(200000, QChar(0x05D0))}};
+            return QVariantMap{
+                {"PlaybackStatus", "Playing"}, {"Rate", "fast"}, {"Metadata", metadata}};
+        });
         ASSERT_TRUE(WaitFor(
             [&] { return program_->Bridge().Followed() == "org.mpris.MediaPlayer2.garbage"; },
             5000));
-        garbage.SendNonsense();
+        // Signals of the wrong shape.
+        garbage.Signal("org.freedesktop.DBus.Properties", "PropertiesChanged", {5, "x"});
+        garbage.Signal("org.mpris.MediaPlayer2.Player", "Seeked", {"later"});
         Pump(1500);
         EXPECT_NE(FirstLine(), u"Second song opens");  // nothing left of the player gone
     }
