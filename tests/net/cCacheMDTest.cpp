@@ -6,7 +6,6 @@
 #include <fstream>
 #include <string>
 
-#include "base/mNumber.h"
 #include "fakes/TempDir.h"
 #include "net/CacheFiles.h"
 
@@ -65,7 +64,6 @@ TEST_F(cCacheMDFile, LaysOutBlocksByteForByteAndReadsBackEveryLengthAroundTheirE
     EXPECT_EQ(file.substr(2 * kBlock, kBlock),
               Le({0}) + Text(758).substr(757) + std::string(1019, ' '));
     EXPECT_FALSE(md.IsFile(expected, key));
-    EXPECT_EQ(md.SetData(none, "key", ""), kUnset);
 }
 
 TEST_F(cCacheMDFile, TakesFreeBlocksLastFirstAndDisbelievesBadOnes) {
@@ -96,7 +94,7 @@ TEST_F(cCacheMDFile, TakesFreeBlocksLastFirstAndDisbelievesBadOnes) {
     EXPECT_EQ(Bytes().size(), 10 * kBlock);  // 3 -> 8 -> 9 -> 10
 }
 
-TEST_F(cCacheMDFile, DamagedEntriesReadAsMissesAndFreeNoForeignBlock) {
+TEST_F(cCacheMDFile, DamagedOrCutEntriesReadAsMissesAndFreeNoForeignBlock) {
     ASSERT_EQ(md.SetData(none, "a", Text(3000)), 1);  // blocks 1..4
     ASSERT_EQ(md.SetData(none, "b", Text(3000)), 5);  // blocks 5..8
     // A total length more than the file could hold: its links are not trusted.
@@ -117,20 +115,17 @@ TEST_F(cCacheMDFile, DamagedEntriesReadAsMissesAndFreeNoForeignBlock) {
     // The last block of the file ends the walk: its own link is not read.
     Patch(7 * kBlock, 1);
     EXPECT_EQ(Freed(5), (Blocks{5, 6, 7, 8}));
-}
 
-TEST_F(cCacheMDFile, ATruncatedFileLosesOnlyTheEntriesCut) {
-    ASSERT_EQ(md.SetData(none, "a", Text(100)), 1);
-    ASSERT_EQ(md.SetData(none, "b", Text(3000)), 2);  // 2..5
-    std::filesystem::resize_file(File(), 4 * kBlock + 100);
+    // A truncated file loses only the entries cut, whose chains end short; a new
+    // block goes over the cut one, at a whole-block offset.
+    std::filesystem::resize_file(File(), 6 * kBlock + 100);
     md.setFileAddress(dir.file(u"cache.dat"));
-    EXPECT_EQ(md.GetData(1), Text(100));
-    EXPECT_EQ(md.GetData(2), "");
-    EXPECT_EQ(Freed(2), Blocks{2});  // the chain is cut short
-    // A new block goes over the cut one, at a whole-block offset.
-    EXPECT_EQ(md.SetData(none, "c", Text(10)), 5);
-    EXPECT_EQ(Bytes().size(), 5 * kBlock);
-    EXPECT_EQ(md.GetData(5), Text(10));
+    EXPECT_EQ(md.GetData(1), Text(3000));
+    EXPECT_EQ(md.GetData(5), "");
+    EXPECT_EQ(Freed(5), Blocks{5});
+    EXPECT_EQ(md.SetData(none, "c", Text(10)), 7);
+    EXPECT_EQ(Bytes().size(), 7 * kBlock);
+    EXPECT_EQ(md.GetData(7), Text(10));
 }
 
 }  // namespace

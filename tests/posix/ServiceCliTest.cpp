@@ -80,6 +80,10 @@ TEST(ServiceCli, BadCommandLinesAndUnusableFilesExitWithTheirCodeAndSayWhy) {
     EXPECT_EQ(Tool({"lookup", "--bogus", "--help"}).code, kExitOk);
     EXPECT_EQ(Tool({"--version"}).out, "toval-lyric 1.3.1\n");
     EXPECT_EQ(cCliArgs::Parse({"lookup", "t.mp3", "--artist=A=B"}).artist, "A=B");
+    // The installed binary, as a script sees it.
+    const std::string tool = TOVAL_LYRIC_TOOL;
+    EXPECT_EQ(WEXITSTATUS(Shell(tool + " -h | grep -q 'Exit status'")), 0);
+    EXPECT_EQ(WEXITSTATUS(Shell(tool + " print /nonexistent/x.tvl")), 3);
 }
 
 TEST(ServiceCli, PrintAndConvertReadAndWriteRealFiles) {
@@ -95,13 +99,10 @@ TEST(ServiceCli, PrintAndConvertReadAndWriteRealFiles) {
 
     // tvl -> lrc -> back: line times survive in hundredths, word times go.
     const std::string lrc = (dir.path() / "out.lrc").string();
-    o = Tool({"convert", kSample, "--to", "lrc", "-o", lrc});
-    EXPECT_EQ(o.code, kExitOk);
+    EXPECT_EQ(Tool({"convert", kSample, "--to", "lrc", "-o", lrc}).code, kExitOk);
     EXPECT_EQ(dir.Read("out.lrc").substr(0, 39), "[00:01.00]Lanterns on the harbour wall\r");
     EXPECT_EQ(Tool({"convert", lrc}).out.substr(0, 66),
               "[PROPERTY]\r\nMUTATION:-2147483648\r\nRIGHTTOLEFT:0\r\n[\\PROPERTY][1000]");
-    EXPECT_EQ(Tool({"convert", kSample, "--to=text"}).out.substr(0, 30),
-              "Lanterns on the harbour wall\r\n");
 }
 
 TEST(ServiceCli, LookupFindsBesideInTheCacheAndAtTheServiceAndSendPostsThere) {
@@ -170,13 +171,6 @@ TEST(ServiceCli, LookupFindsBesideInTheCacheAndAtTheServiceAndSendPostsThere) {
     EXPECT_TRUE(service.LastAsked("&mut=1804289383&vrs=1030001&tvl=%5BPROPERTY%5D%0D%0A"));
 }
 
-// The installed binary, as a script sees it.
-TEST(ServiceCli, TheBinaryExitsWithTheDocumentedCodes) {
-    const std::string tool = TOVAL_LYRIC_TOOL;
-    EXPECT_EQ(WEXITSTATUS(Shell(tool + " -h | grep -q 'Exit status'")), 0);
-    EXPECT_EQ(WEXITSTATUS(Shell(tool + " print /nonexistent/x.tvl")), 3);
-}
-
 TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
     TempDir dir;
     const auto at = [&](const char* name) { return (dir.path() / name).string(); };
@@ -212,9 +206,6 @@ TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
         // Encoders pad the sound by a few frames.
         EXPECT_NEAR(got.milliseconds, c.tags.milliseconds, c.tags.milliseconds < 0 ? 0 : 250)
             << c.path;
-        if (std::filesystem::is_regular_file(c.path)) {
-            EXPECT_EQ(ReadAudioTagsFromMemory(dir.Read(c.path)).title, got.title) << c.path;
-        }
     }
 }
 
