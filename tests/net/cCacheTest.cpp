@@ -41,10 +41,7 @@ std::u16string Lyric(size_t length, char16_t seed = u'a') {
 
 class cCacheTest : public ::testing::Test {
   protected:
-    cCacheTest() {
-        shell.specialFolder = dir.path().u16string();
-        globals.ProgramFolder = dir.folder();
-    }
+    cCacheTest() { shell.specialFolder = dir.path().u16string(); }
     std::unique_ptr<cCache> Open() { return std::make_unique<cCache>(globals, shell, random); }
     uintmax_t DatSize() const { return fs::file_size(dir.path() / "Toval" / "cache.dat"); }
 
