@@ -133,15 +133,6 @@ TEST(ServiceCli, LookupFindsBesideInTheCacheAndAtTheServiceAndSendPostsThere) {
     EXPECT_FALSE(std::filesystem::exists(dir.path() / "harbour.tvl"));
     // Kept in the cache: found again without the service.
     EXPECT_EQ(lookup({}).out, "00:00.50  from the service\n00:00.90  again\n");
-    // --save-beside keeps the service's lyric beside the track, where it comes first.
-    service.setAnswer("[1]wave");
-    EXPECT_EQ(lookup({"--server", server, "--title", "Wave", "--save-beside"}).code, kExitOk);
-    EXPECT_EQ(dir.Read("harbour.tvl"), "[1]wave");
-    EXPECT_EQ(lookup({"--format", "text"}).out, "wave\r\n");
-    // A file name that is not UTF-8 ends in a message, never in a crash.
-    o = Tool({"lookup", (dir.path() / "\xff\xfe.mp3").string(), "--cache", cache.path().string()});
-    EXPECT_TRUE(o.code == kExitNotFound || o.code == kExitFile) << o.code;
-
     // What the service says, and a time-out the option sets, as exit codes and reasons (the
     // client's own failures are its tests).
     const struct {
@@ -155,20 +146,25 @@ TEST(ServiceCli, LookupFindsBesideInTheCacheAndAtTheServiceAndSendPostsThere) {
     };
     for (const auto& c : cases) {
         service.setAnswer(c.answer);
-        o = Tool({"lookup", (dir.path() / "none.mp3").string(), "--title", "Nothing", "--cache",
-                  cache.path().string(), "--server", server, "--timeout",
-                  c.answer == FakeLyricService::kEndless ? "300" : "1000"});
+        o = lookup({"--title", "Nothing", "--server", server, "--timeout",
+                    c.answer == FakeLyricService::kEndless ? "300" : "1000"});
         EXPECT_EQ(o.code, c.code);
         EXPECT_NE(o.err.find(c.says), std::string::npos) << o.err;
     }
-    // Without --duration the service is sent 0 seconds.
-    EXPECT_TRUE(service.LastAsked("&dur=0&"));
+    // --save-beside keeps the service's lyric beside the track, where it comes first.
+    service.setAnswer("[1]wave");
+    EXPECT_EQ(lookup({"--server", server, "--title", "Wave", "--save-beside"}).code, kExitOk);
+    EXPECT_EQ(lookup({"--format", "text"}).out, "wave\r\n");
+    // A file name that is not UTF-8 ends in a message, never in a crash.
+    o = Tool({"lookup", (dir.path() / "\xff\xfe.mp3").string(), "--cache", cache.path().string()});
+    EXPECT_TRUE(o.code == kExitNotFound || o.code == kExitFile) << o.code;
 
-    // A karaoke lyric goes as tvl=, and the service's word comes back.
+    // A karaoke lyric goes as tvl=, a track without a length as 0 seconds, and the
+    // service's word comes back.
     service.setAnswer(":SUCCESS");
     o = Tool({"send", kSample, "--server", server, "--artist", "Toval", "--title", "Harbour"});
     EXPECT_EQ(o.code, kExitOk) << o.err;
-    EXPECT_TRUE(service.LastAsked("&mut=1804289383&vrs=1030001&tvl=%5BPROPERTY%5D%0D%0A"));
+    EXPECT_TRUE(service.LastAsked("&dur=0&siz=0&mut=1804289383&vrs=1030001&tvl=%5BPROPERTY%5D"));
 }
 
 TEST(TagReader, ReadsEveryFormAndNeverFailsOnOthers) {
