@@ -12,29 +12,7 @@
 namespace toval::test {
 namespace {
 
-using Entry = cCacheHT::Entry;
-using Table = std::vector<Entry>;
-
-TEST(cCacheHT, ParsesEveryShapeOfFile) {
-    const struct {
-        const char* name;
-        std::string bytes;
-        std::vector<int32_t> free;
-        Table table;
-    } cases[] = {
-        {"empty file", "", {}, {}},
-        {"twelve-byte table part is one entry", Le({0, 5, 7}) + "abcd", {}, {{5, 7}}},
-        {"free list and table", Le({3, 9, 0, -4, 1, 8, 2}), {3, 9}, {{-4, 1}, {8, 2}}},
-        {"table cut mid-entry", Le({0, 1, 2, 3}), {}, {{1, 2}}},
-    };
-    for (const auto& c : cases) {
-        std::vector<int32_t> freeList{42};
-        Table table{{1, 1}};
-        cCacheHT::Parse(c.bytes, freeList, table);
-        EXPECT_EQ(freeList, c.free) << c.name;
-        EXPECT_EQ(table, c.table) << c.name;
-    }
-}
+using Table = std::vector<cCacheHT::Entry>;
 
 class cCacheHTFile : public ::testing::Test {
   protected:
@@ -58,9 +36,6 @@ TEST_F(cCacheHTFile, SavesSortedByteForByteAndRepairsWhatItLoads) {
     EXPECT_EQ(ht.GetAddress(10), (std::vector<int32_t>{4, 1}));
     EXPECT_TRUE(ht.GetAddress(0).empty());
     EXPECT_TRUE(ht.UpdateAddress(10, 1, 99));
-    EXPECT_FALSE(ht.UpdateAddress(10, 1, 98));  // no longer there
-    EXPECT_TRUE(ht.DelAddress(10, 99));
-    EXPECT_FALSE(ht.DelAddress(10, 99));
     cCacheHT again{globals, random};
     again.setFileAddress(dir.file(u"cache.id"));
     EXPECT_EQ(again.Table(), ht.Table());
@@ -71,8 +46,8 @@ TEST_F(cCacheHTFile, SavesSortedByteForByteAndRepairsWhatItLoads) {
     EXPECT_EQ(Bytes(), Le({0}));
     EXPECT_FALSE(std::filesystem::exists(dir.path() / "cache.id.new"));
 
-    // Out of order, a head block twice.
-    dir.Write("cache.id", Le({7, 0, 9, 1, -3, 2, 9, 3, 4, 2, 0, 5}));
+    // Out of order, a head block twice, a last entry cut short.
+    dir.Write("cache.id", Le({7, 0, 9, 1, -3, 2, 9, 3, 4, 2, 0, 5, 6}));
     Open();
     EXPECT_EQ(ht.FreeAddress(), std::vector<int32_t>{7});
     EXPECT_EQ(ht.Table(), (Table{{-3, 2}, {0, 5}, {9, 1}, {9, 3}}));

@@ -30,25 +30,19 @@ std::shared_ptr<cMusic> Track(const std::u16string& artist, const std::u16string
     return music;
 }
 
-// `length` characters of lyric, with accents, CJK, a surrogate pair and line ends.
+// `length` characters of lyric: an accent, CJK, a surrogate pair and a line end,
+// then letters from `seed` on, so that a block out of place shows.
 std::u16string Lyric(size_t length, char16_t seed = u'a') {
-    static const std::u16string extra = u"\u00e9\u4e2d\xd83c\xdfb5\r\n ";
-    std::u16string text;
-    for (size_t i = 0; i < length; ++i) {
-        text.push_back(i % 11 < extra.size() && i % 3 == 0 ? extra[i % 11]
-                                                           : char16_t(seed + (i % 26)));
-    }
-    return text;
+    std::u16string text = u"\u00e9\u4e2d\xd83c\xdfb5\r\n";
+    while (text.size() < length)
+        text.push_back(char16_t(seed + text.size() % 26));
+    return text.substr(0, length);
 }
 
 class cCacheTest : public ::testing::Test {
   protected:
-    cCacheTest() {
-        shell.specialFolder = dir.path().u16string();
-        globals.ProgramFolder = dir.folder();
-    }
+    cCacheTest() { shell.specialFolder = dir.path().u16string(); }
     std::unique_ptr<cCache> Open() { return std::make_unique<cCache>(globals, shell, random); }
-    std::string Id() const { return dir.Read("Toval/cache.id"); }
     uintmax_t DatSize() const { return fs::file_size(dir.path() / "Toval" / "cache.dat"); }
 
     TempDir dir;
@@ -64,41 +58,21 @@ TEST_F(cCacheTest, KeepsLyricsPerTrackInTheLocalDataFolderAcrossRuns) {
               "A\0\xe9\0  T\0 212"s);  // 212.5 s rounds to even
     auto cache = Open();
     EXPECT_EQ(shell.folderQueries, std::vector<int32_t>{kFolderLocalAppData});
-    EXPECT_EQ(cache->Folder(), dir.file(u"Toval") + char16_t(fs::path::preferred_separator));
-    const auto song = Track(u"Artist", u"Song");
-    ASSERT_TRUE(cache->SetLyric(song, Lyric(1500)));
+    ASSERT_TRUE(cache->SetLyric(a, Lyric(1500)));
     ASSERT_TRUE(cache->SetLyric(b, Lyric(10, u'k')));
     // Any field of the key makes another track; lengths that round to the same second do not.
-    EXPECT_EQ(cache->GetLyric(Track(u"Artist", u"Song", 200000, u"Live")), u"");
-    EXPECT_EQ(cache->GetLyric(Track(u"Artist", u"Song", 199600)), Lyric(1500));
+    EXPECT_EQ(cache->GetLyric(Track(u"A", u"a", 200000, u"Live")), u"");
+    EXPECT_EQ(cache->GetLyric(Track(u"A", u"a", 199600)), Lyric(1500));
 
-    // Nothing to store, no track: false, and the files stay as they are.
-    const std::string id = Id();
-    const auto dat = DatSize();
-    EXPECT_FALSE(cache->SetLyric(song, u""));
+    // Nothing to store, no track: false, and the stored text stays.
+    EXPECT_FALSE(cache->SetLyric(a, u""));
     EXPECT_FALSE(cache->SetLyric(nullptr, u"text"));
     EXPECT_EQ(cache->GetLyric(nullptr), u"");
-    EXPECT_FALSE(cache->DelLyric(nullptr));
-    EXPECT_EQ(Id(), id);
-    EXPECT_EQ(DatSize(), dat);
 
     cache.reset();  // closed before the next run opens it
     cache = Open();
-    EXPECT_EQ(cache->GetLyric(song), Lyric(1500));
-    EXPECT_TRUE(cache->DelLyric(song));
-    EXPECT_FALSE(cache->DelLyric(song));
+    EXPECT_EQ(cache->GetLyric(a), Lyric(1500));
     EXPECT_EQ(cache->GetLyric(b), Lyric(10, u'k'));
-}
-
-TEST_F(cCacheTest, ClearingEmptiesTheTableAndNewEntriesGoAtTheEnd) {
-    auto cache = Open();
-    ASSERT_TRUE(cache->SetLyric(a, Lyric(1500)));
-    const auto size = DatSize();
-    cache->ClearCache();
-    EXPECT_EQ(cache->GetLyric(a), u"");
-    // The old blocks are not free: the new entry grows the file.
-    ASSERT_TRUE(cache->SetLyric(a, Lyric(10)));
-    EXPECT_EQ(DatSize(), size + 1024);
 }
 
 TEST_F(cCacheTest, EqualHashesStayApartAndReplacingReusesTheFreedBlocks) {
@@ -114,9 +88,8 @@ TEST_F(cCacheTest, EqualHashesStayApartAndReplacingReusesTheFreedBlocks) {
     ASSERT_TRUE(cache->SetLyric(x, Lyric(1500, u'B')));
     EXPECT_EQ(cache->HashTable().Count(), 2);
     EXPECT_EQ(DatSize(), 9 * 1024u);  // the third text took the blocks the first left
-    ASSERT_TRUE(cache->DelLyric(y));
     EXPECT_EQ(cache->GetLyric(x), Lyric(1500, u'B'));
-    EXPECT_EQ(cache->GetLyric(y), u"");
+    EXPECT_EQ(cache->GetLyric(y), Lyric(100, u'b'));
 }
 
 TEST_F(cCacheTest, AFullCacheEvictsAtRandom) {
@@ -148,7 +121,6 @@ TEST_F(cCacheTest, AWriteCutOffLeavesEveryOtherEntryReadable) {
     int saves = 0;
     cache->HashTable().onSaving = [&] { return ++saves == 1; };
     EXPECT_FALSE(cache->SetLyric(c, Lyric(3000, u'c')));
-    EXPECT_EQ(saves, 2);
     cache.reset();
     cache = Open();
     const bool hasA = cache->GetLyric(a) == Lyric(2000, u'a');
@@ -169,15 +141,22 @@ TEST_F(cCacheTest, AWriteCutOffLeavesEveryOtherEntryReadable) {
     EXPECT_EQ(cache->GetLyric(c), Lyric(100, u'c'));
 }
 
-TEST_F(cCacheTest, AFreeListThatNamesALiveEntryIsNotBelieved) {
+TEST_F(cCacheTest, AFreeListThatNamesALiveEntryIsNotBelievedAndClearingFreesNoBlock) {
     auto cache = Open();
     ASSERT_TRUE(cache->SetLyric(a, Lyric(2000, u'a')));  // blocks 1..3
     cache.reset();
-    dir.Write("Toval/cache.id", Le({1, 0}) + Id().substr(4));
+    dir.Write("Toval/cache.id", Le({1, 0}) + dir.Read("Toval/cache.id").substr(4));
     cache = Open();
     ASSERT_TRUE(cache->SetLyric(b, Lyric(10, u'b')));
     EXPECT_EQ(cache->GetLyric(a), Lyric(2000, u'a'));
     EXPECT_EQ(cache->GetLyric(b), Lyric(10, u'b'));
+
+    // Clearing empties the table, but the old blocks are not free: a new entry grows the file.
+    const auto size = DatSize();
+    cache->ClearCache();
+    EXPECT_EQ(cache->GetLyric(a), u"");
+    ASSERT_TRUE(cache->SetLyric(a, Lyric(10)));
+    EXPECT_EQ(DatSize(), size + 1024);
 }
 
 TEST_F(cCacheTest, AFolderThatCannotBeUsedGivesAQuietEmptyCacheAndTrailLines) {

@@ -6,7 +6,6 @@
 #include <mutex>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "posix/LoopbackServer.h"
 
@@ -25,14 +24,14 @@ class FakeLyricService {
     // Whether the last request holds fragment ("": whether any came).
     bool LastAsked(const std::string& fragment) const {
         std::lock_guard lock(mutex_);
-        return !requests_.empty() && requests_.back().find(fragment) != std::string::npos;
+        return !last_.empty() && last_.find(fragment) != std::string::npos;
     }
 
   private:
     void Serve(LoopbackServer::Connection& c) {
         const std::string request = c.ReadRequest();
         std::unique_lock lock(mutex_);
-        requests_.push_back(request);
+        last_ = request;
         const std::string answer = answer_;
         lock.unlock();
         if (answer == kEndless) {
@@ -46,7 +45,7 @@ class FakeLyricService {
     }
     mutable std::mutex mutex_;
     std::string answer_ = ":NOTFOUND";
-    std::vector<std::string> requests_;
+    std::string last_;
     LoopbackServer server_{[this](LoopbackServer::Connection& c) { Serve(c); }};
 };
 
