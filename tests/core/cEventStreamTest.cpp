@@ -27,11 +27,11 @@ struct Player {
     cEventStream stream;
     std::vector<Raised> raised;
 
-    explicit Player(std::u16string_view text = {}) {
+    explicit Player(std::u16string_view text) {
         stream.onLoadEvent = [this](int32_t& line, int32_t& word) {
             raised.emplace_back(line, word);
         };
-        if (!text.empty()) stream.Load(LyricOf(text));
+        stream.Load(LyricOf(text));
     }
     // Moves to ms, ticks once and returns what that tick raised.
     std::vector<Raised> At(int32_t ms) {

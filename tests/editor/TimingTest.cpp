@@ -8,21 +8,16 @@ namespace {
 
 class TimingTest : public EditorTest {};
 
-TEST_F(TimingTest, ForwardArrowWalksLinesThenRealWordsAndOverwritesAtTheEnd) {
+TEST_F(TimingTest, ArrowsWalkLinesThenRealWordsCorrectTakeTheNextLineAndOverwriteAtTheEnd) {
+    StartTiming(u"Hi, you all\r\n- -\r\nend");
+    PressRight({100, 200, 300});  // line 0, "Hi", then "you" past the separators
+    Press(kKeyLeft, 350);         // again: "you" corrected, nothing added
+    Press(kKeyDown, 400);         // next line, skipping "all"
     // Line 1 is made of separators only: its words are skipped. The last
     // press finds nothing after "end" and overwrites it.
-    StartTiming(u"Hi, you\r\n- -\r\nend");
-    PressRight({100, 200, 300, 400, 500, 600, 700});
-    EXPECT_EQ(Records(), u"[100]<200>Hi<>,<> <300>you\r\n[400]<>-<> <>-\r\n[500]<700>end\r\n");
-}
-
-TEST_F(TimingTest, AgainKeyCorrectsTheLastStampAndDownArrowTakesTheNextLine) {
-    StartTiming(u"one two\r\nthree four");
-    PressRight({1000, 1100});  // line 0, "one"
-    Press(kKeyLeft, 1160);     // again: "one" corrected, nothing added
-    Press(kKeyDown, 2000);     // next line, skipping "two"
-    Press(kKeyRight, 2200);    // "three"
-    EXPECT_EQ(Records(), u"[1000]<1160>one<> <>two\r\n[2000]<2200>three<> <>four\r\n");
+    PressRight({500, 600, 700});
+    EXPECT_EQ(Records(),
+              u"[100]<200>Hi<>,<> <350>you<> <>all\r\n[400]<>-<> <>-\r\n[500]<700>end\r\n");
 }
 
 TEST_F(TimingTest, RightToLeftLyricSwapsTheArrowsAndWalksFromTheLastWord) {
