@@ -31,7 +31,7 @@ class LyricFileTest : public ::testing::Test {
         track->setFileAddress(music.file(u"song.mp3"));
         lookup.setMusic(track);
         lookup.setSocket(socket);
-        lookup.setTime(timer);
+        lookup.setTime(std::make_shared<FakeTimer>());
         lookup.onLoaded = [this](int32_t id, int32_t status) {
             loaded.push_back({id, status, lookup.Lyric()});
         };
@@ -47,7 +47,6 @@ class LyricFileTest : public ::testing::Test {
     cGlobals globals;
     FakeRandom random;
     std::shared_ptr<FakeSocket> socket = std::make_shared<FakeSocket>();
-    std::shared_ptr<FakeTimer> timer = std::make_shared<FakeTimer>();
     std::shared_ptr<cMusic> track = std::make_shared<cMusic>();
     cLyricFile lookup{globals, std::make_unique<cCache>(globals, random, cacheDir.folder()),
                       nullptr};
