@@ -120,17 +120,13 @@ TEST(cEventStream, SortKeepsItsOwnTieOrderAndSurvivesItsBudgetAndBadBounds) {
     for (int32_t i = 0; i < 300; ++i)
         over.AddEvent(i, kUnset, std::make_shared<cTime>((i * 7919) % 50));
     over.QuickSort(0, 299, 100);
+    over.QuickSort(-1, 300);  // out-of-range bounds are refused rather than read
     std::set<int32_t> seen;
     for (int32_t i = 0; i < 300; ++i) {
         seen.insert(over.EventLine(i));
         EXPECT_LE(over.EventTime(i > 0 ? i - 1 : 0), over.EventTime(i)) << i;
     }
     EXPECT_EQ(seen.size(), 300u);
-    // Out-of-range bounds are refused rather than read.
-    cEventStream stream;
-    stream.AddEvent(0, kUnset, std::make_shared<cTime>(1));
-    stream.QuickSort(-1, 5);
-    EXPECT_EQ(stream.NumEvents(), 1);
 }
 
 TEST(cEventStream, TimeMixOnlyCompresses) {
