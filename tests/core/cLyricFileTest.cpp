@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "fakes/FakeRandom.h"
@@ -16,11 +17,8 @@
 namespace toval::test {
 namespace {
 
-struct Loaded {
-    int32_t requestId, status;
-    std::u16string lyric;
-    bool operator==(const Loaded&) const = default;
-};
+using Loaded = std::tuple<int32_t, int32_t, std::u16string>;  // request, status, lyric
+
 class LyricFileTest : public ::testing::Test {
   protected:
     LyricFileTest() {
