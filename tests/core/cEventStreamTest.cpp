@@ -74,11 +74,8 @@ TEST(cEventStream, EachTickRaisesOnlyTheLastEventPassedEitherWay) {
         text += u"[" + DecimalText((i + 1) * 1000) + u"]line\r\n";
     Player p(text);
     const std::vector<Raised> none, first{{0, kUnset}};
-    const struct {
-        int32_t ms;
-        std::vector<Raised> raised;
-        int32_t current, currentTime, next;
-    } steps[] = {
+    // The position, what it raises, then the current event, its time and the next time.
+    const std::tuple<int32_t, std::vector<Raised>, int32_t, int32_t, int32_t> steps[] = {
         {1000, first, 0, 1000, 2000},               // exactly at the time
         {1000, none, 0, 1000, 2000},                // still inside the current interval
         {11999, {{10, kUnset}}, 10, 11000, 12000},  // ten events at once: only the tenth
@@ -87,11 +84,11 @@ TEST(cEventStream, EachTickRaisesOnlyTheLastEventPassedEitherWay) {
         {3500, {{2, kUnset}}, 2, 3000, 4000},
         {500, first, 0, kUnset, 1000},  // back before the first event: event 0 at once
     };
-    for (const auto& s : steps) {
-        EXPECT_EQ(p.At(s.ms), s.raised) << s.ms;
+    for (const auto& [ms, raised, current, currentTime, next] : steps) {
+        EXPECT_EQ(p.At(ms), raised) << ms;
         EXPECT_EQ(std::tuple(p.stream.Current(), p.stream.CurrentTime(), p.stream.NextTime()),
-                  std::tuple(s.current, s.currentTime, s.next))
-            << s.ms;
+                  std::tuple(current, currentTime, next))
+            << ms;
     }
 }
 
@@ -130,26 +127,22 @@ TEST(cEventStream, SortKeepsItsOwnTieOrderAndSurvivesItsBudgetAndBadBounds) {
 }
 
 TEST(cEventStream, TimeMixOnlyCompresses) {
-    struct Case {
-        int32_t lyric, track;
-        std::vector<int32_t> after;
-    };
-    const std::vector<int32_t> before = {5, 15, 1000, 200000};
-    const Case cases[] = {
-        {200000, 199950, before},                // difference 50
-        {200000, 180000, {4, 14, 900, 180000}},  // 0.9, halves to even
-        {180000, 200000, before},                // never stretched
-        {200000, -180000, before},               // both must be positive
+    const std::u16string before = u"[5]a\r\n[15]b\r\n[1000]c\r\n[200000]d\r\n";
+    // The lyric's length, the track's, and the lyric after.
+    const std::tuple<int32_t, int32_t, std::u16string> cases[] = {
+        {200000, 199950, before},                                       // difference 50
+        {200000, 180000, u"[4]a\r\n[14]b\r\n[900]c\r\n[180000]d\r\n"},  // 0.9, halves to even
+        {180000, 200000, before},                                       // never stretched
+        {200000, -180000, before},                                      // both must be positive
         {kUnset, 1000, before},
     };
-    for (const Case& c : cases) {
-        auto lyric = LyricOf(u"[5]a\r\n[15]b\r\n[1000]c\r\n[200000]d");
+    for (const auto& [lyricLength, trackLength, after] : cases) {
+        auto lyric = LyricOf(before);
         cEventStream stream;
         stream.Load(lyric);
-        stream.TimeMix(c.lyric, c.track);
+        stream.TimeMix(lyricLength, trackLength);
         // The events hold the lyric's own times: the lyric itself is fitted.
-        for (int32_t i = 0; i < 4; ++i)
-            EXPECT_EQ(lyric->GetLine(i)->GetTime(0)->Time(), c.after[i]) << c.lyric << c.track;
+        EXPECT_EQ(lyric->Load(), after) << lyricLength << " " << trackLength;
     }
 }
 
