@@ -68,7 +68,6 @@ TEST(cMainLogic, AfterAnInstallThePluginIsSoughtSevenTimes) {
     EXPECT_EQ(p.shell.sleeps, std::vector<int32_t>(6, 2000));
     EXPECT_TRUE(p.shell.boxes.empty());
     EXPECT_EQ(p.log, (std::vector<std::string>{"quit"}));
-    EXPECT_EQ(std::pair(p.channel.installs, !p.main->Core()), std::pair(0, true));
 }
 
 TEST(cMainLogic, ANumericCommandLineIsThePluginWindowAndTheProgramKeepsAnErrorLog) {
