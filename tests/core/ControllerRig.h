@@ -85,13 +85,13 @@ struct ControllerRig {
 
     // Wakes the plug-in up and plays a track at playlist position pos whose
     // lyric the scripted lookup answers.
-    void Playing(int32_t pos, std::u16string lyric, int32_t status = kLyricLocal) {
+    void Playing(int32_t pos, std::u16string lyric) {
         timer.tick();  // wake-up
         channel.playlistPosition = pos;
         core->PluginEvent(kEventNewTrack);
         timer.tick();  // lookup
         fake->text = std::move(lyric);
-        fake->Answer(pos, status);
+        fake->Answer(pos, kLyricLocal);
     }
     // The controller's state in one text: the timer, then what holds.
     std::string State() const {
@@ -112,12 +112,6 @@ struct ControllerRig {
     void Tick(int32_t ms) {
         channel.position = ms;
         timer.tick();
-    }
-    // One polling tick at position ms: what the controller asked of the display.
-    Texts At(int32_t ms) {
-        display.Take();
-        Tick(ms);
-        return display.Take();
     }
 };
 

@@ -14,6 +14,7 @@ class FakeLyricSource : public iLyricSource {
   public:
     struct Request {
         int32_t source, requestId, mutation;
+        bool operator==(const Request&) const = default;
     };
 
     void Load(int32_t requestId) override {

@@ -57,7 +57,6 @@ class EditorTest : public ::testing::Test {
 
     // The whole lyric as line records, every time in place.
     std::u16string Records() const { return editor.Lyric()->Load(); }
-    std::shared_ptr<cLyricLine> Line(int32_t l) { return editor.Lyric()->GetLine(l); }
 
     // Presses a key with the player at a position.
     void Press(int32_t key, int32_t position) {

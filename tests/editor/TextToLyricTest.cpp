@@ -18,7 +18,6 @@ TEST_F(TextToLyric, LinesAndTheirEndings) {
         {u"ab\ncd", u"[]<>ab\ncd\r\n"},  // a lone LF stays inside the line
         {u"Hello, world", u"[]<>Hello<>,<> <>world\r\n"},
         {u"ab c", u"[]<>ab<> \r\n"},  // and a last word of one character
-        {u",,", u"[]<>,<>,\r\n"},
         {u"tab\there", u"[]<>tab\there\r\n"},
         {u"\u3000\u4F60\u597D\u3002", u"[]<>\u3000<>\u4F60\u597D<>\u3002\r\n"},
         // The separators below 0x8000 sort after those above it as 16-bit numbers.
