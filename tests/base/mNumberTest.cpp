@@ -5,20 +5,9 @@
 namespace toval {
 namespace {
 
-TEST(mNumber, RoundsHalvesToEven) {
-    const struct {
-        double in, out;
-    } cases[] = {{0.5, 0},   {1.5, 2},   {2.5, 2},    {-0.5, 0},
-                 {-1.5, -2}, {-2.5, -2}, {2.4999, 2}, {2.5001, 3}};
-    for (const auto& c : cases)
-        EXPECT_EQ(RoundHalfEven(c.in), c.out) << c.in;
-}
-
 TEST(mNumber, NumericTestAcceptsSignsBlanksPointAndExponent) {
-    const char16_t* yes[] = {u"0",  u"1500", u" 12 ", u"-5",   u"+5",     u"- 5",
-                             u"1.", u".5",   u"1e3",  u"1E+3", u"2.5d-1", u"\t7\t"};
-    const char16_t* no[] = {u"",     u" ",   u"+",     u"-",   u".",   u"1e",  u"e3",
-                            u"0x10", u"1,5", u"01:02", u"abc", u"1 2", u"--1", u"1.2.3"};
+    const char16_t* yes[] = {u"\t12 ", u"+5", u"- 5", u"1.", u".5", u"1E+3", u"2.5d-1"};
+    const char16_t* no[] = {u"", u"-", u".", u"1e", u"1,5", u"1 2"};
     for (auto* t : yes)
         EXPECT_TRUE(IsNumeric(std::u16string_view(t))) << "yes";
     for (auto* t : no)
@@ -44,17 +33,18 @@ TEST(mNumber, IntegerConversionsRoundAndRefuseOverflow) {
     EXPECT_TRUE(TextToInt32(u"0.000" + zeros + u"e+400", i32));
     EXPECT_EQ(i32, 0);
 
-    // The 16-bit limits are pinned where a user meets them (minutes of a time).
+    // Below the smallest value; the 8- and 16-bit upper limits are pinned where
+    // a user meets them (a setting, the minutes of a time).
     uint8_t b = 0;
-    EXPECT_TRUE(TextToByte(u"255", b));
-    EXPECT_FALSE(TextToByte(u"256", b));
     EXPECT_FALSE(TextToByte(u"-1", b));
-    EXPECT_EQ(b, 255);
 }
 
-// WrapAdd, WrapMul and the smallest number's text are pinned where a user meets
-// them: mirrored geometry, track durations, a word record without a time.
-TEST(mNumber, WrapAroundArithmetic) {
+// Positive halves, and a negative one whose floor is odd, are pinned where a
+// user meets them (times, durations, centred windows), and so are WrapAdd,
+// WrapMul and the smallest number's text (mirrored geometry, track durations,
+// a word record without a time).
+TEST(mNumber, RoundingAndWrapAroundArithmetic) {
+    EXPECT_EQ(RoundHalfEven(-1.5), -2);  // a negative half whose floor is even
     EXPECT_EQ(WrapSub(INT32_MIN, 1), INT32_MAX);
     EXPECT_EQ(WrapMul(-1, INT32_MIN), INT32_MIN);
 }

