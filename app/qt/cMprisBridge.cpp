@@ -6,6 +6,7 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <chrono>
+#include <optional>
 #include <utility>
 
 #include "core/cPlugin.h"
@@ -34,6 +35,15 @@ QVariantMap MapOf(const QVariant& value) {
 QVariant Unwrapped(const QVariant& value) {
     if (value.typeId() == qMetaTypeId<QDBusVariant>()) return value.value<QDBusVariant>().variant();
     return value;
+}
+
+// The position in an answer to a reading, in microseconds; none for an error
+// or a value of the wrong type.
+std::optional<int64_t> PositionOf(const QDBusMessage& reply) {
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) return {};
+    const QVariant value = Unwrapped(reply.arguments().constFirst());
+    if (value.typeId() != QMetaType::LongLong && value.typeId() != QMetaType::Int) return {};
+    return value.toLongLong();
 }
 
 }  // namespace
@@ -294,10 +304,12 @@ void cMprisBridge::ReadPosition() {
                 w->deleteLater();
                 if (asked != followed_) return;
                 const int64_t now = Now();
-                answerMs_ = now - sent;
-                unwaitedLeft_ = answerMs_ <= kQuickAnswerMs ? kUnwaitedReadings : 0;
+                unwaitedLeft_ = now - sent <= kQuickAnswerMs ? kUnwaitedReadings : 0;
                 // The player answered somewhere between sending and now: take the middle.
-                TakeReading(w->reply(), sent + answerMs_ / 2);
+                if (const auto us = PositionOf(w->reply())) {
+                    clock_.Reading(*us, sent + (now - sent) / 2);
+                    if (hunt_ > 0 && !clock_.Hunting()) EndHunt();
+                }
                 if (onPositionChanged) onPositionChanged();
             });
 }
@@ -305,19 +317,12 @@ void cMprisBridge::ReadPosition() {
 bool cMprisBridge::TakeUnwaited() {
     if (!unwaited_ || !unwaited_->call.isFinished()) return false;
     const Unwaited reading = *std::exchange(unwaited_, std::nullopt);
-    if (reading.asked != followed_) return false;
-    // The answer came some time before now; the player took the reading about
-    // half of its usual round trip after it was asked.
-    TakeReading(reading.call.reply(), reading.sent + answerMs_ / 2);
+    const auto us = PositionOf(reading.call.reply());
+    if (reading.asked != followed_ || !us || !clock_.Jumped(*us, reading.sent)) return false;
+    // The player moved without a word: find the front of its reports again.
+    StartHunt();
+    ReadPosition();
     return true;
-}
-
-void cMprisBridge::TakeReading(const QDBusMessage& reply, int64_t at) {
-    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) return;
-    const QVariant value = Unwrapped(reply.arguments().constFirst());
-    if (value.typeId() != QMetaType::LongLong && value.typeId() != QMetaType::Int) return;
-    clock_.Reading(value.toLongLong(), at);
-    if (hunt_ > 0 && !clock_.Hunting()) EndHunt();
 }
 
 int64_t cMprisBridge::Until(int32_t positionMs) {

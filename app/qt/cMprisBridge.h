@@ -37,9 +37,11 @@ inline constexpr int32_t kPositionReadEarlyMs = 600;
 inline constexpr int32_t kPositionReadLateMs = 1500;
 // The answer to a reading wakes nothing when the player answered the last
 // reading waited for within kQuickAnswerMs: the next tick of the core, or
-// the next reading, takes it, timed at half of that round trip after asking.
-// The hunt below waits for its answers, and so does every tenth reading, so
-// that a player that grew slow is known.
+// the next reading, takes it. Since when the player answered is then not
+// known, such an answer counts only when it shows a jump the player did not
+// announce. The hunt below waits for its answers, and so does every tenth
+// reading: they keep the clock at the front of the player's reports, and
+// tell a player that grew slow.
 inline constexpr int32_t kQuickAnswerMs = 10;
 inline constexpr int32_t kUnwaitedReadings = 9;
 // After a new track, a seek or play, readings come this often while the
@@ -110,7 +112,6 @@ class cMprisBridge : public QObject, public PluginChannel {
     void ReadPosition();
     // Takes the answer to a reading not waited for, if it came.
     bool TakeUnwaited();
-    void TakeReading(const QDBusMessage& reply, int64_t at);
     void StartHunt();
     void EndHunt();
     void Deliver(uint32_t message, int64_t lParam, const std::string& data);
@@ -128,7 +129,6 @@ class cMprisBridge : public QObject, public PluginChannel {
     QTimer readTimer_;
     int32_t hunt_ = 0;          // quick readings left
     int64_t lastRead_ = 0;      // when the last reading was asked for (Now)
-    int64_t answerMs_ = -1;     // the round trip of the last reading waited for
     int32_t unwaitedLeft_ = 0;  // readings not to wait for until the next one waited for
     struct Unwaited {
         QDBusPendingCall call;

@@ -170,6 +170,13 @@ void cPositionClock::Reading(int64_t positionUs, int64_t nowMs) {
     if (!playing_ || reading > clock || reading < clock - kLagMs) Read(positionUs, nowMs);
 }
 
+bool cPositionClock::Jumped(int64_t positionUs, int64_t nowMs) {
+    const double reading = positionUs > 0 ? static_cast<double>(positionUs) / 1000.0 : 0.0;
+    if (std::abs(reading - Extrapolated(nowMs)) <= kLagMs) return false;
+    Read(positionUs, nowMs);
+    return true;
+}
+
 void cPositionClock::setPlaying(bool playing, int64_t nowMs) {
     anchorMs_ = Extrapolated(nowMs);
     anchorTime_ = nowMs;

@@ -52,6 +52,10 @@ class cPositionClock {
     // the clock is taken, one a little behind it is the player's lag and is
     // left, one far behind is a jump the player did not announce.
     void Reading(int64_t positionUs, int64_t nowMs);
+    // A reading whose time is known only roughly (to within tens of ms):
+    // taken as it is when it is a jump, more than kLagMs off the clock either
+    // way, and left otherwise. True when it was a jump.
+    bool Jumped(int64_t positionUs, int64_t nowMs);
     // Players report the position in steps (mpv's every 50 to 300 ms) and
     // stand still in between, so a single reading lags by up to a step. After
     // a new track, a seek or play, the bridge reads quickly while the clock

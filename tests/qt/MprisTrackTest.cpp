@@ -120,6 +120,14 @@ TEST(MprisTrack, PositionRunsWithTheClockAndTheRateAndStandsStillWhenPaused) {
     EXPECT_EQ(c.At(10200), 4200);
     c.Reading(1'000'000, 10200);
     EXPECT_EQ(c.At(10200), 1000);
+    // A reading timed only roughly moves the clock only by a jump, either way.
+    EXPECT_FALSE(c.Jumped(1'040'000, 10200));
+    EXPECT_FALSE(c.Jumped(400'000, 10200));
+    EXPECT_EQ(c.At(10200), 1000);
+    EXPECT_TRUE(c.Jumped(1'800'000, 10200));
+    EXPECT_EQ(c.At(10200), 1800);
+    EXPECT_TRUE(c.Jumped(1'000'000, 10200));
+    EXPECT_EQ(c.At(10200), 1000);
     // A hunt ends with the first reading that differs from its first one,
     // the report just after a step: that one sets the clock.
     c.Hunt();
