@@ -52,10 +52,13 @@ cMprisBridge::cMprisBridge(QDBusConnection bus, QString player, QObject* parent)
     : QObject(parent), bus_(std::move(bus)), filter_(std::move(player)) {
     readTimer_.setInterval(kPositionReadLateMs);
     connect(&readTimer_, &QTimer::timeout, this, [this] {
-        const bool took = TakeUnwaited();
+        if (TakeUnwaited()) {
+            // A jump: the hunt has begun, with its first reading.
+            if (onPositionChanged) onPositionChanged();
+            return;
+        }
         if (hunt_ > 0 && --hunt_ == 0) EndHunt();
         ReadPosition();
-        if (took && onPositionChanged) onPositionChanged();
     });
     if (!bus_.isConnected()) return;
     bus_.connect(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),

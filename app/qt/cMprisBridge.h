@@ -110,7 +110,8 @@ class cMprisBridge : public QObject, public PluginChannel {
     void Announce(bool force);
     void Stopped();
     void ReadPosition();
-    // Takes the answer to a reading not waited for, if it came.
+    // Takes the answer to a reading not waited for, if it came; true when it
+    // showed a jump, after which a hunt has begun.
     bool TakeUnwaited();
     void StartHunt();
     void EndHunt();

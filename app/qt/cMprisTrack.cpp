@@ -14,6 +14,11 @@ namespace toval {
 
 namespace {
 
+// A player's position in milliseconds; a negative one counts as the start.
+double PositionMs(int64_t positionUs) {
+    return positionUs > 0 ? static_cast<double>(positionUs) / 1000.0 : 0.0;
+}
+
 std::string Utf8(const QString& text) {
     const QByteArray bytes = text.toUtf8();
     return std::string(bytes.constData(), static_cast<size_t>(bytes.size()));
@@ -151,7 +156,7 @@ double cPositionClock::Extrapolated(int64_t nowMs) const {
 }
 
 void cPositionClock::Read(int64_t positionUs, int64_t nowMs) {
-    anchorMs_ = positionUs > 0 ? static_cast<double>(positionUs) / 1000.0 : 0.0;
+    anchorMs_ = PositionMs(positionUs);
     anchorTime_ = nowMs;
 }
 
@@ -165,13 +170,13 @@ void cPositionClock::Reading(int64_t positionUs, int64_t nowMs) {
         huntFrom_ = positionUs;
     else if (hunting_ && positionUs != *huntFrom_)
         hunting_ = false;
-    const double reading = positionUs > 0 ? static_cast<double>(positionUs) / 1000.0 : 0.0;
+    const double reading = PositionMs(positionUs);
     const double clock = Extrapolated(nowMs);
     if (!playing_ || reading > clock || reading < clock - kLagMs) Read(positionUs, nowMs);
 }
 
 bool cPositionClock::Jumped(int64_t positionUs, int64_t nowMs) {
-    const double reading = positionUs > 0 ? static_cast<double>(positionUs) / 1000.0 : 0.0;
+    const double reading = PositionMs(positionUs);
     if (std::abs(reading - Extrapolated(nowMs)) <= kLagMs) return false;
     Read(positionUs, nowMs);
     return true;
